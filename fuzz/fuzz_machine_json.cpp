@@ -1,0 +1,41 @@
+// Any bytes as machine.json give a machine or a MachineError, and nothing else: no crash, no
+// other exception, no hang.
+#include <stdlib.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "winapi/machine.h"
+
+namespace {
+
+// One machine directory for the whole run; each input overwrites its machine.json.
+class FuzzDirectory {
+public:
+    FuzzDirectory() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "vrx-fuzz-machine-XXXXXX").string();
+        if (!mkdtemp(pattern.data())) abort();
+        path = pattern;
+    }
+    ~FuzzDirectory() {
+        std::error_code error;
+        std::filesystem::remove_all(path, error);
+    }
+    std::string path;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const FuzzDirectory directory;
+    std::ofstream(directory.path + "/machine.json", std::ios::binary | std::ios::trunc)
+        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    try {
+        winapi::Machine::load(directory.path);
+    } catch (const winapi::MachineError&) {
+    }
+    return 0;
+}

@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+
+#include "tests/vrxcore/test_schema.h"
+
+namespace NZARVEK20 {
+namespace {
+
+EVRXStatusCode codeOf(const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const TVRXException& e) {
+    return e.GetStatusCode();
+  }
+  return VRX_OK;
+}
+
+boost::shared_ptr<ICIMInstance> setting(ICIMNamespace& ns, const char* className, const char* id) {
+  auto instance = ns.GetClass(className, {})->AllocateInstance({});
+  instance->SetPropertyValue("SettingID", TCIMValue(id), {});
+  instance->Commit({});
+  return instance;
+}
+
+std::vector<std::string> ids(ICIMClass& cimClass, bool deep) {
+  std::vector<boost::shared_ptr<ICIMInstance>> found;
+  cimClass.EnumerateInstances(TAddToVectorCallback<ICIMInstance>(found), deep, {});
+  std::vector<std::string> result;
+  for (const auto& instance : found)
+    result.push_back(instance->GetProperty("SettingID", {})->GetValue({}));
+  return result;
+}
+
+TEST(Repository, ClassesKnowTheirKeysInheritanceAndQualifiers) {
+  auto ns = makeTestNamespace();
+  auto child = ns->GetClass("t_systemsetting", TCIMOptions{{"nspID", TCIMValue("plugin")}});
+  EXPECT_EQ(child, ns->GetClass("T_SystemSetting", {}));
+  EXPECT_EQ(child->GetName({}), "T_SystemSetting");
+  EXPECT_EQ(child->GetSuperClassName({}), "T_Setting");
+  EXPECT_TRUE(child->IsSubclassOf("t_setting", {}));
+  EXPECT_FALSE(child->IsAbstract({}));
+  EXPECT_TRUE(ns->GetClass("T_Setting", {})->IsAbstract({}));
+  EXPECT_TRUE(ns->GetClass("T_SystemSettings", {})->IsAssociation({}));
+  EXPECT_FALSE(child->IsAssociation({}));
+  EXPECT_EQ(static_cast<std::string>(child->GetQualifier("DESCRIPTION", {})), "");
+
+  std::vector<const std::string*> keys;
+  ns->GetClass("T_System", {})->EnumerateKeyNames(TAddKeyNamesToVectorCallback(keys), {});
+  ASSERT_EQ(keys.size(), 3u);
+  EXPECT_EQ(*keys[0], "CreationClassName");
+  EXPECT_EQ(*keys[2], "Number");
+
+  auto weight = child->GetProperty("weight", {});
+  ASSERT_TRUE(weight);
+  EXPECT_EQ(static_cast<ECIMType>(weight->GetType({})), CIM_UINT16);
+  EXPECT_TRUE(child->GetProperty("Tags", {})->IsArray({}));
+  EXPECT_TRUE(child->GetProperty("SettingID", {})->IsKey({}));
+  EXPECT_FALSE(child->GetProperty("NoSuch", {}));
+  EXPECT_EQ(codeOf([&] { ns->GetClass("T_Nothing", {}); }), VRX_INVALID_CLASS);
+}
+
+TEST(Repository, InstancesConvertValuesAndRefuseWhatTheClassLacks) {
+  auto ns = makeTestNamespace();
+  auto instance = ns->GetClass("T_SystemSetting", {})->AllocateInstance({});
+  EXPECT_TRUE(instance->GetProperty("Weight", {})->GetValue({}).IsNull());
+  EXPECT_EQ(static_cast<std::string>(instance->GetProperty("Weight", {})->GetValue({})), "");
+  EXPECT_EQ(instance->GetProperty("SettingValue", {})->GetValue({}), TCIMValue("unset"));
+
+  instance->SetPropertyValue("weight", TCIMValue(12u), {});
+  EXPECT_EQ(instance->GetProperty("Weight", {})->GetValue({}),
+            TCIMValue(static_cast<unsigned short>(12)));
+  EXPECT_EQ(codeOf([&] { instance->SetPropertyValue("Weight", TCIMValue(70000u), {}); }),
+            VRX_TYPE_MISMATCH);
+  EXPECT_EQ(codeOf([&] { instance->SetPropertyValue("Weight", TCIMValue("12"), {}); }),
+            VRX_TYPE_MISMATCH);
+  EXPECT_EQ(codeOf([&] { instance->SetPropertyValue("Tags", TCIMValue("one"), {}); }),
+            VRX_TYPE_MISMATCH);
+  EXPECT_EQ(codeOf([&] { instance->SetPropertyValue("Nope", TCIMValue("x"), {}); }),
+            VRX_NO_SUCH_PROPERTY);
+  EXPECT_EQ(codeOf([&] { instance->GetProperty("Nope", {}); }), VRX_NO_SUCH_PROPERTY);
+  instance->SetPropertyValue("Weight", TCIMValue(), {});
+  EXPECT_TRUE(instance->GetProperty("Weight", {})->GetValue({}).IsNull());
+  EXPECT_EQ(codeOf([&] { ns->GetClass("T_Setting", {})->AllocateInstance({}); }),
+            VRX_ABSTRACT_CLASS);
+}
+
+TEST(Repository, CommitNeedsEveryKeyAndANewPath) {
+  auto ns = makeTestNamespace();
+  auto system = ns->GetClass("T_System", {});
+  auto instance = system->AllocateInstance({});
+  instance->SetPropertyValue("CreationClassName", TCIMValue("T_System"), {});
+  instance->SetPropertyValue("Name", TCIMValue("WKS"), {});
+  EXPECT_EQ(codeOf([&] { instance->Commit({}); }), VRX_KEY_MISSING);
+  EXPECT_TRUE(ns->GetInstances().empty());
+  instance->SetPropertyValue("Number", TCIMValue(1u), {});
+  instance->Commit({});
+  EXPECT_EQ(codeOf([&] { instance->SetPropertyValue("Flag", TCIMValue(true), {}); }),
+            VRX_ALREADY_COMMITTED);
+
+  auto twin = system->AllocateInstance({});
+  twin->SetPropertyValue("CreationClassName", TCIMValue("T_System"), {});
+  twin->SetPropertyValue("Name", TCIMValue("WKS"), {});
+  twin->SetPropertyValue("Number", TCIMValue(1u), {});
+  EXPECT_EQ(codeOf([&] { twin->Commit({}); }), VRX_ALREADY_EXISTS);
+  twin->SetPropertyValue("Name", TCIMValue("wks"), {});  // values keep their case
+  twin->Commit({});
+  EXPECT_EQ(ns->GetInstances().size(), 2u);
+
+  const TCIMReference path = instance->GetReference({});
+  EXPECT_EQ(path.ToString(), "T_System.CreationClassName=\"T_System\",Name=\"WKS\",Number=1");
+  EXPECT_EQ(ns->GetInstance(TCIMReference::Parse("t_system.NAME=\"WKS\",number=1,"
+                                                 "creationclassname=\"T_System\""),
+                            {}),
+            instance);
+  ns->DeleteInstance(path, {});
+  EXPECT_EQ(codeOf([&] { ns->GetInstance(path, {}); }), VRX_NOT_FOUND);
+  EXPECT_EQ(ns->GetInstances().size(), 1u);
+}
+
+TEST(Repository, DeepEnumerationFindsSubclassesInCommitOrder) {
+  auto ns = makeTestNamespace();
+  setting(*ns, "T_SystemSetting", "PATH");
+  setting(*ns, "T_UserSetting", "TEMP");
+  setting(*ns, "T_SystemSetting", "OS");
+  auto parent = ns->GetClass("T_Setting", {});
+  EXPECT_EQ(ids(*parent, true), (std::vector<std::string>{"PATH", "TEMP", "OS"}));
+  EXPECT_TRUE(ids(*parent, false).empty());
+  EXPECT_EQ(ids(*ns->GetClass("T_SystemSetting", {}), true),
+            (std::vector<std::string>{"PATH", "OS"}));
+  // The same key in two sibling classes names two instances.
+  setting(*ns, "T_UserSetting", "PATH");
+  EXPECT_EQ(codeOf([&] { setting(*ns, "T_UserSetting", "PATH"); }), VRX_ALREADY_EXISTS);
+
+  std::vector<boost::shared_ptr<ICIMInstance>> queried;
+  ns->ExecuteQuery("select * FROM T_Setting", TAddToVectorCallback<ICIMInstance>(queried), {});
+  EXPECT_EQ(queried.size(), 4u);
+  EXPECT_EQ(codeOf([&] {
+              ns->ExecuteQuery("SELECT Name FROM T_Setting",
+                               TAddToVectorCallback<ICIMInstance>(queried), {});
+            }),
+            VRX_NOT_SUPPORTED);
+}
+
+TEST(Repository, ReferencesPointAtCommittedInstances) {
+  auto ns = makeTestNamespace();
+  auto system = ns->GetClass("T_System", {})->AllocateInstance({});
+  system->SetPropertyValue("CreationClassName", TCIMValue("T_System"), {});
+  system->SetPropertyValue("Name", TCIMValue("W\"1"), {});
+  system->SetPropertyValue("Number", TCIMValue(2u), {});
+  system->Commit({});
+  auto path = setting(*ns, "T_UserSetting", "TEMP")->GetReference({});
+
+  auto link = ns->GetClass("T_SystemSettings", {})->AllocateInstance({});
+  link->SetPropertyValue("Element", TCIMValue(system->GetReference({})), {});
+  link->SetPropertyValue("Setting", TCIMValue(path), {});
+  link->Commit({});
+  EXPECT_EQ(link->GetReference({}).ToString(),
+            "T_SystemSettings.Element=\"T_System.CreationClassName=\\\"T_System\\\","
+            "Name=\\\"W\\\\\\\"1\\\",Number=2\",Setting=\"T_UserSetting.SettingID=\\\"TEMP\\\"\"");
+  EXPECT_EQ(codeOf([&] { link->SetPropertyValue("Setting", TCIMValue("TEMP"), {}); }),
+            VRX_ALREADY_COMMITTED);
+}
+
+TEST(Repository, SubscribersSeeEveryCommit) {
+  auto ns = makeTestNamespace();
+  std::vector<std::string> seen;
+  ns->Subscribe(
+      [&](boost::shared_ptr<ICIMInstance> instance) {
+        seen.push_back(instance->GetClass({})->GetName({}));
+        return true;
+      },
+      {});
+  setting(*ns, "T_UserSetting", "A");
+  setting(*ns, "T_SystemSetting", "B");
+  EXPECT_EQ(seen, (std::vector<std::string>{"T_UserSetting", "T_SystemSetting"}));
+}
+
+}  // namespace
+}  // namespace NZARVEK20

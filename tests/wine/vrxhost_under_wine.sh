@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Runs vrxhost.exe under Wine in a throwaway prefix and checks the computer
+# system instance and the plug-in's lifecycle lines in the log.
+set -euo pipefail
+bin=${1:?folder of the Windows build}
+[ -f "$bin/vrxhost.exe" ] || { echo "no Windows build in $bin"; exit 77; }
+command -v wine >/dev/null || { echo "wine is not installed"; exit 77; }
+
+work=$(mktemp -d)
+export WINEPREFIX="$work/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+unset TZ DISPLAY
+trap 'wineserver -k 2>/dev/null || true; rm -rf "$work"' EXIT
+wineboot -i >/dev/null 2>&1
+wineserver -w
+
+cp "$bin"/*.exe "$bin"/*.dll "$bin"/qelto.mof "$work/"
+cd "$work"
+status=0
+wine vrxhost.exe --log log.txt --output out.json QELTO_Account QELTO_TimeZone \
+  >stdout.txt 2>stderr.txt || status=$?
+fail() { echo "FAIL: $*"; echo "--- stderr"; cat stderr.txt; echo "--- log"; cat log.txt 2>/dev/null; exit 1; }
+[ "$status" -eq 0 ] || fail "exit status $status"
+tr -d '\r' <log.txt >log.lf
+grep -qx $'3\tTInstalledAppsCallbacks::Init -Initializing the plugin.' log.lf || fail "no Init line"
+grep -qx $'3\tNormal exit from plugin.' log.lf || fail "no normal exit line"
+tail -n 1 log.lf | grep -qx $'3\tTInstalledAppsCallbacks::DeInit -De-Initializing the plugin.' \
+  || fail "DeInit is not the last line"
+grep -q '"class": "QELTO_ComputerSystem"' out.json || fail "no computer system instance"
+grep -q '"CreationClassName": "QELTO_ComputerSystem"' out.json || fail "no CreationClassName"
+echo "vrxhost.exe ran under Wine"

@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Installs, from Debian's packages, everything the build and the tests use.
+set -euo pipefail
+packages=(cmake ninja-build g++ clang libboost-dev nlohmann-json3-dev libcli11-dev
+          libgtest-dev libgmock-dev mingw-w64 wine64 libxml2-utils)
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+if [ ${#missing[@]} -gt 0 ]; then
+  SUDO=; [ "$(id -u)" -eq 0 ] || SUDO=sudo
+  $SUDO apt-get update
+  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y "${missing[@]}"
+fi

@@ -1,0 +1,56 @@
+#include "tools/vrxhost/command_line.h"
+
+#include <CLI/CLI.hpp>
+
+namespace vrxhost {
+
+const std::vector<std::string>& defaultClasses() {
+  static const std::vector<std::string> classes = {"QELTO_InstalledApplication",
+                                                   "QELTO_InstalledFix",
+                                                   "QELTO_OperatingSystem",
+                                                   "QELTO_TimeZone",
+                                                   "QELTO_PageFile",
+                                                   "QELTO_SystemEnvironmentVariable",
+                                                   "QELTO_UserEnvironmentVariable",
+                                                   "QELTO_OSEnvironmentVariable",
+                                                   "QELTO_Account",
+                                                   "QELTO_AccountOnSystem",
+                                                   "QELTO_CurrentAccountOnSystem",
+                                                   "QELTO_OSComponent",
+                                                   "QELTO_OSBaseComponent",
+                                                   "QELTO_OSSubComponent"};
+  return classes;
+}
+
+ParsedCommandLine parseCommandLine(int argc, char** argv) {
+  ParsedCommandLine parsed;
+  Options& options = parsed.options;
+  CLI::App app("Inventories one Windows machine as CIM instances.", "vrxhost");
+  app.add_option("--machine", options.machine,
+                 "machine directory to inventory (Linux; default: the sample machine)");
+  app.add_option("--user", options.user, "profile of an offline Windows volume");
+  app.add_option("--schema", options.schema, "MOF file with the class definitions");
+  app.add_option("--plugin", options.plugin, "plug-in library to load");
+  app.add_option("--format", options.format, "output format")
+      ->check(CLI::IsMember({"json", "xml", "mof", "table"}));
+  app.add_option("--output", options.output, "write the inventory to FILE instead of stdout");
+  app.add_option("--log", options.log, "write the log lines to FILE");
+  app.add_option("--log-level", options.logLevel, "highest level written to the log (0-4)")
+      ->check(CLI::Range(0, 4));
+  app.add_flag("-v", options.verbose, "one line per class on stderr: class, instances, ms");
+  app.add_option("CLASS", options.classes, "classes to collect, in order");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& help) {
+    parsed.exitStatus = app.exit(help);
+    return parsed;
+  } catch (const CLI::ParseError& error) {
+    app.exit(error);
+    parsed.exitStatus = kExitUsage;
+    return parsed;
+  }
+  if (options.classes.empty()) options.classes = defaultClasses();
+  return parsed;
+}
+
+}  // namespace vrxhost

@@ -1,0 +1,30 @@
+// The command line of vrxhost.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vrxhost {
+
+struct Options {
+  std::string machine;
+  std::string user;
+  std::string schema;
+  std::string plugin;
+  std::string format = "json";
+  std::string output;
+  std::string log;
+  int logLevel = 4;
+  bool verbose = false;
+  std::vector<std::string> classes;
+};
+
+// The classes asked for when the command line names none.
+const std::vector<std::string>& defaultClasses();
+
+// Exit statuses.
+constexpr int kExitOk = 0;
+constexpr int kExitFailure = 1;
+constexpr int kExitUsage = 2;
+
+}  // namespace vrxhost

@@ -1,0 +1,63 @@
+#include "tools/vrxhost/output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <vector>
+
+#include "frame/platform.h"
+#include "tools/vrxhost/platform.h"
+
+namespace vrxhost {
+namespace {
+
+[[noreturn]] void cannotWrite(const std::string& path, const std::string& why) {
+  throw std::runtime_error(path + ": cannot write the output: " + why);
+}
+
+}  // namespace
+
+void writeOutput(const std::string& path, const std::string& text) {
+  if (path.empty() || path == "-") {
+    std::cout << text << std::flush;
+    return;
+  }
+  // Beside the target, so that the rename stays on one file system.
+  const std::string temporary = path + ".tmp";
+  {
+    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+    if (!file) cannotWrite(path, std::strerror(errno));
+    file << text;
+    file.flush();
+    if (!file) {
+      const std::string why = std::strerror(errno);
+      std::remove(temporary.c_str());
+      cannotWrite(path, why);
+    }
+  }
+  if (!replaceFile(temporary, path)) {
+    const std::string why = std::strerror(errno);
+    std::remove(temporary.c_str());
+    cannotWrite(path, why);
+  }
+}
+
+std::string machineTextToUtf8(const std::string& text) {
+  if (text.empty()) return text;
+  const int length = static_cast<int>(text.size());
+  const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
+  if (wideLength <= 0) return text;
+  std::vector<WCHAR> wide(static_cast<size_t>(wideLength));
+  MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), wideLength);
+  const int utf8Length =
+      WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideLength, nullptr, 0, nullptr, nullptr);
+  if (utf8Length <= 0) return text;
+  std::string utf8(static_cast<size_t>(utf8Length), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideLength, &utf8[0], utf8Length, nullptr, nullptr);
+  return utf8;
+}
+
+}  // namespace vrxhost

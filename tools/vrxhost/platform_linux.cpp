@@ -1,0 +1,34 @@
+#include <unistd.h>
+
+#include <climits>
+#include <cstdio>
+#include <stdexcept>
+
+#include "tools/vrxhost/platform.h"
+#include "winapi/machine.h"
+
+namespace vrxhost {
+
+std::string executableDirectory() {
+  char path[PATH_MAX];
+  const ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
+  if (length <= 0) return "./";
+  const std::string exe(path, static_cast<size_t>(length));
+  return exe.substr(0, exe.rfind('/') + 1);
+}
+
+std::string pluginFileName() { return "libinstalledapps.so"; }
+
+bool replaceFile(const std::string& from, const std::string& to) {
+  return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+void presentMachine(const Options& options) {
+  const std::string dir = options.machine.empty() ? VRX_SAMPLE_MACHINE : options.machine;
+  if (!options.user.empty())
+    throw std::invalid_argument("--user picks a profile of an offline Windows volume; " + dir +
+                                " is a described machine");
+  winapi::setCurrentMachine(winapi::Machine::load(dir));
+}
+
+}  // namespace vrxhost

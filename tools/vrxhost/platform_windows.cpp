@@ -1,0 +1,33 @@
+#include <windows.h>
+
+#include <cerrno>
+#include <stdexcept>
+
+#include "tools/vrxhost/platform.h"
+
+namespace vrxhost {
+
+std::string executableDirectory() {
+  char path[MAX_PATH];
+  const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
+  if (length == 0 || length == sizeof path) return ".\\";
+  const std::string exe(path, length);
+  return exe.substr(0, exe.find_last_of("\\/") + 1);
+}
+
+std::string pluginFileName() { return "installedapps.dll"; }
+
+bool replaceFile(const std::string& from, const std::string& to) {
+  if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+  errno = EACCES;
+  return false;
+}
+
+void presentMachine(const Options& options) {
+  if (!options.machine.empty() || !options.user.empty())
+    throw std::invalid_argument(
+        "--machine and --user are for Linux; on Windows vrxhost inventories the machine it runs "
+        "on");
+}
+
+}  // namespace vrxhost

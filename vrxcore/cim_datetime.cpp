@@ -1,0 +1,121 @@
+#include "host/cim_datetime.h"
+
+#include <cstdio>
+
+#include "host/status.h"
+
+namespace NZARVEK20 {
+namespace {
+
+[[noreturn]] void invalid(const std::string& what) {
+  throw TVRXException(TVRXStatusCode(VRX_INVALID_DATETIME), what);
+}
+
+bool isLeapYear(unsigned int year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
+
+unsigned int daysInMonth(unsigned int year, unsigned int month) {
+  static const unsigned int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  return month == 2 && isLeapYear(year) ? 29 : days[month - 1];
+}
+
+// The digits of text[from, from + count), or throws.
+unsigned int digitsAt(const std::string& text, size_t from, size_t count) {
+  unsigned int value = 0;
+  for (size_t i = from; i < from + count; ++i) {
+    if (text[i] < '0' || text[i] > '9') invalid("non-digit in date-time text: " + text);
+    value = value * 10 + static_cast<unsigned int>(text[i] - '0');
+  }
+  return value;
+}
+
+void checkTime(unsigned int hours, unsigned int minutes, unsigned int seconds,
+               unsigned int microseconds) {
+  if (hours > 23 || minutes > 59 || seconds > 59 || microseconds > 999999)
+    invalid("time of day out of range");
+}
+
+}  // namespace
+
+TCIMDateTime::TCIMDateTime() : kind_(Kind::Null) {}
+
+TCIMDateTime::TCIMDateTime(unsigned short year, unsigned short month, unsigned int day,
+                           unsigned short hours, unsigned short minutes, unsigned short seconds,
+                           unsigned int microseconds, short utcOffsetMinutes)
+    : kind_(Kind::Null) {
+  Set(year, month, day, hours, minutes, seconds, microseconds, utcOffsetMinutes);
+}
+
+TCIMDateTime::TCIMDateTime(unsigned int days, unsigned short hours, unsigned short minutes,
+                           unsigned short seconds, unsigned int microseconds)
+    : kind_(Kind::Interval),
+      day_(days),
+      hours_(hours),
+      minutes_(minutes),
+      seconds_(seconds),
+      microseconds_(microseconds) {
+  if (days > 99999999) invalid("interval of more than 99999999 days");
+  checkTime(hours, minutes, seconds, microseconds);
+}
+
+void TCIMDateTime::Set(unsigned short year, unsigned short month, unsigned int day,
+                       unsigned short hours, unsigned short minutes, unsigned short seconds,
+                       unsigned int microseconds, short utcOffsetMinutes) {
+  if (year > 9999) invalid("year out of range");
+  if (month < 1 || month > 12) invalid("month out of range");
+  if (day < 1 || day > 31) invalid("day out of range");
+  checkTime(hours, minutes, seconds, microseconds);
+  if (utcOffsetMinutes < -999 || utcOffsetMinutes > 999) invalid("UTC offset out of range");
+  kind_ = Kind::Timestamp;
+  year_ = year;
+  month_ = month;
+  day_ = day;
+  hours_ = hours;
+  minutes_ = minutes;
+  seconds_ = seconds;
+  microseconds_ = microseconds;
+  utcOffset_ = utcOffsetMinutes;
+}
+
+TCIMDateTime::TCIMDateTime(const std::string& text) : kind_(Kind::Null) {
+  if (text.size() != 25) invalid("date-time text is not 25 characters long: " + text);
+  if (text[14] != '.') invalid("date-time text without '.' at position 15: " + text);
+  const char sign = text[21];
+  const unsigned int micro = digitsAt(text, 15, 6);
+  if (sign == ':') {
+    if (text.compare(22, 3, "000") != 0) invalid("interval not ending in :000: " + text);
+    *this = TCIMDateTime(digitsAt(text, 0, 8), digitsAt(text, 8, 2), digitsAt(text, 10, 2),
+                         digitsAt(text, 12, 2), micro);
+    return;
+  }
+  if (sign != '+' && sign != '-') invalid("date-time text without '+', '-' or ':': " + text);
+  const unsigned int year = digitsAt(text, 0, 4), month = digitsAt(text, 4, 2),
+                     day = digitsAt(text, 6, 2);
+  const int offset = static_cast<int>(digitsAt(text, 22, 3));
+  if (month >= 1 && month <= 12 && day > daysInMonth(year, month))
+    invalid("day beyond the end of the month: " + text);
+  Set(year, month, day, digitsAt(text, 8, 2), digitsAt(text, 10, 2), digitsAt(text, 12, 2), micro,
+      static_cast<short>(sign == '-' ? -offset : offset));
+}
+
+std::string TCIMDateTime::ToString() const {
+  char text[32];
+  if (kind_ == Kind::Null) return std::string();
+  if (kind_ == Kind::Interval) {
+    std::snprintf(text, sizeof text, "%08u%02u%02u%02u.%06u:000", day_, hours_, minutes_, seconds_,
+                  microseconds_);
+  } else {
+    std::snprintf(text, sizeof text, "%04u%02u%02u%02u%02u%02u.%06u%c%03d", year_, month_, day_,
+                  hours_, minutes_, seconds_, microseconds_, utcOffset_ < 0 ? '-' : '+',
+                  utcOffset_ < 0 ? -utcOffset_ : utcOffset_);
+  }
+  return text;
+}
+
+bool TCIMDateTime::operator==(const TCIMDateTime& other) const {
+  return kind_ == other.kind_ && year_ == other.year_ && month_ == other.month_ &&
+         day_ == other.day_ && hours_ == other.hours_ && minutes_ == other.minutes_ &&
+         seconds_ == other.seconds_ && microseconds_ == other.microseconds_ &&
+         utcOffset_ == other.utcOffset_;
+}
+
+}  // namespace NZARVEK20

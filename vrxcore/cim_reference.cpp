@@ -1,0 +1,140 @@
+#include <algorithm>
+#include <cctype>
+
+#include "host/cim_interfaces.h"
+
+namespace NZARVEK20 {
+
+struct TCIMReference::TPath {
+  std::string className;
+  TKeyBindings keys;
+};
+
+namespace {
+
+std::string lowered(const std::string& text) {
+  std::string lower(text);
+  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return lower;
+}
+
+std::string quoted(const std::string& text) {
+  std::string out = "\"";
+  for (char c : text) {
+    if (c == '\\' || c == '"') out += '\\';
+    out += c;
+  }
+  return out + "\"";
+}
+
+std::string keyValueText(const TCIMValue& value) {
+  switch (static_cast<ECIMType>(value.GetType())) {
+    case CIM_BOOLEAN:
+      return value.GetBoolean() ? "TRUE" : "FALSE";
+    case CIM_STRING:
+    case CIM_CHAR16:
+    case CIM_DATETIME:
+    case CIM_REFERENCE:
+      return quoted(static_cast<std::string>(value));
+    default:
+      return static_cast<std::string>(value);
+  }
+}
+
+[[noreturn]] void malformed(const std::string& path, size_t at, const std::string& why) {
+  throw TVRXException(
+      TVRXStatusCode(VRX_INVALID_PARAMETER),
+      "object path \"" + path + "\", character " + std::to_string(at + 1) + ": " + why);
+}
+
+// Reads one key value of `path` at `at`; leaves `at` behind it.
+TCIMValue readKeyValue(const std::string& path, size_t& at) {
+  if (at < path.size() && path[at] == '"') {
+    std::string text;
+    for (++at; at < path.size() && path[at] != '"'; ++at) {
+      if (path[at] == '\\' && ++at == path.size()) break;
+      text += path[at];
+    }
+    if (at >= path.size()) malformed(path, at, "unterminated string");
+    ++at;
+    return TCIMValue(text);
+  }
+  const size_t end = std::min(path.find(',', at), path.size());
+  const std::string text = path.substr(at, end - at);
+  at = end;
+  if (text == "TRUE" || text == "FALSE") return TCIMValue(text == "TRUE");
+  try {
+    if (!text.empty() && text[0] == '-') return TCIMValue(CIM_SINT64, text, nullptr);
+    return TCIMValue(CIM_UINT64, text, nullptr);
+  } catch (const TVRXException&) {
+    malformed(path, at, "key value \"" + text + "\" is neither quoted, a number nor a boolean");
+  }
+}
+
+}  // namespace
+
+TCIMReference::TCIMReference() = default;
+
+TCIMReference::TCIMReference(const std::string& className, const TKeyBindings& keys) {
+  auto path = std::make_shared<TPath>();
+  path->className = className;
+  path->keys = keys;
+  std::stable_sort(path->keys.begin(), path->keys.end(), [](const auto& a, const auto& b) {
+    return lowered(a.first) < lowered(b.first);
+  });
+  path_ = path;
+}
+
+TCIMReference TCIMReference::Parse(const std::string& path) {
+  const size_t dot = path.find('.');
+  const std::string className = path.substr(0, dot);
+  if (className.empty()) malformed(path, 0, "no class name");
+  TKeyBindings keys;
+  for (size_t at = dot; at != std::string::npos && at < path.size();) {
+    ++at;
+    const size_t equals = path.find('=', at);
+    if (equals == std::string::npos || equals == at) malformed(path, at, "expected Key=value");
+    const std::string name = path.substr(at, equals - at);
+    at = equals + 1;
+    keys.emplace_back(name, readKeyValue(path, at));
+    if (at < path.size() && path[at] != ',') malformed(path, at, "expected ',' after a key value");
+    if (at == path.size()) break;
+  }
+  return TCIMReference(className, keys);
+}
+
+const std::string& TCIMReference::GetInstanceClassName() const {
+  static const std::string none;
+  return path_ ? path_->className : none;
+}
+
+const TCIMReference::TKeyBindings& TCIMReference::GetKeyBindings() const {
+  static const TKeyBindings none;
+  return path_ ? path_->keys : none;
+}
+
+std::string TCIMReference::ToString() const {
+  if (!path_) return std::string();
+  std::string text = path_->className;
+  char separator = '.';
+  for (const auto& key : path_->keys) {
+    text += separator + key.first + "=" + keyValueText(key.second);
+    separator = ',';
+  }
+  return text;
+}
+
+bool TCIMReference::operator==(const TCIMReference& other) const {
+  if (IsNull() || other.IsNull()) return IsNull() == other.IsNull();
+  const TKeyBindings &mine = GetKeyBindings(), &theirs = other.GetKeyBindings();
+  if (lowered(GetInstanceClassName()) != lowered(other.GetInstanceClassName()) ||
+      mine.size() != theirs.size())
+    return false;
+  for (size_t i = 0; i < mine.size(); ++i)
+    if (lowered(mine[i].first) != lowered(theirs[i].first) ||
+        keyValueText(mine[i].second) != keyValueText(theirs[i].second))
+      return false;
+  return true;
+}
+
+}  // namespace NZARVEK20

@@ -1,0 +1,55 @@
+// An instance of a repository class and its properties.
+#pragma once
+
+#include <vector>
+
+#include "vrxcore/repository.h"
+
+namespace NZARVEK20 {
+
+class TRepositoryProperty : public ICIMProperty {
+ public:
+  explicit TRepositoryProperty(boost::shared_ptr<TRepositoryPropertyDecl> decl)
+      : decl_(std::move(decl)) {}
+  TCIMType GetType(TCIMOptions options) override { return decl_->GetType({}); }
+  const TCIMValue& GetValue(TCIMOptions options) override { return value_; }
+  const std::string& GetName(TCIMOptions options) override { return decl_->GetName({}); }
+  bool IsArray(TCIMOptions options) override { return decl_->IsArray({}); }
+
+  TRepositoryPropertyDecl& Decl() const { return *decl_; }
+  void Assign(const TCIMValue& value) { value_ = decl_->Conform(value); }
+
+ private:
+  boost::shared_ptr<TRepositoryPropertyDecl> decl_;
+  TCIMValue value_;
+};
+
+class TRepositoryInstance : public ICIMInstance,
+                            public boost::enable_shared_from_this<TRepositoryInstance> {
+ public:
+  explicit TRepositoryInstance(boost::shared_ptr<TRepositoryClass> cimClass);
+
+  void Commit(TCIMOptions options) override;
+  TCIMReference GetReference(TCIMOptions options) override;
+  boost::shared_ptr<ICIMProperty> GetProperty(const std::string& name,
+                                              TCIMOptions options) override;
+  void SetPropertyValue(const std::string& name, const TCIMValue& value,
+                        TCIMOptions options) override;
+  boost::shared_ptr<ICIMClass> GetClass(TCIMOptions options) override { return class_; }
+  void EnumerateProperties(const TPropertyCallback& callback, TCIMOptions options) override;
+  bool IsCommitted(TCIMOptions options) override { return committed_; }
+
+  const boost::shared_ptr<TRepositoryClass>& Class() const { return class_; }
+  // Throws (12) naming the first key property without a value.
+  void CheckKeys() const;
+  void MarkCommitted() { committed_ = true; }
+
+ private:
+  boost::shared_ptr<TRepositoryProperty> Find(const std::string& name) const;
+
+  boost::shared_ptr<TRepositoryClass> class_;
+  std::vector<boost::shared_ptr<TRepositoryProperty>> properties_;
+  bool committed_ = false;
+};
+
+}  // namespace NZARVEK20
