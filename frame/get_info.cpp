@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "frame/cim_value_builder.h"
 #include "frame/constants.h"
 
 namespace installedapps_col {
@@ -33,6 +34,10 @@ boost::shared_ptr<ICIMInstance> GetInfo::buildCIMInstance(PropertyMap values) {
   }
   instance->Commit(TCIMOptions());
   return instance;
+}
+
+PropertyMap GetInfo::getCIMProperties(FactMap facts) {
+  return CIMValueBuilder(getCIMClass()).buildProperties(facts);
 }
 
 void GetInfo::fixUpInstance(boost::shared_ptr<ICIMInstance> instance, PropertyMap values) {

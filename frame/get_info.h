@@ -24,6 +24,8 @@ class GetInfo {
   boost::shared_ptr<NZARVEK20::ICIMClass> getCIMClass();
   // Makes, fills and commits one instance of the collector's class.
   boost::shared_ptr<NZARVEK20::ICIMInstance> buildCIMInstance(PropertyMap values);
+  // The facts as values of the class's properties (see CIMValueBuilder).
+  PropertyMap getCIMProperties(FactMap facts);
   // Gives every string key property without an entry in `values` the
   // empty text, so that no such key reaches Commit unset.
   void fixUpInstance(boost::shared_ptr<NZARVEK20::ICIMInstance> instance, PropertyMap values);

@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <ctime>
 // Names that the Win32 headers turn into macros and that the host's
 // interfaces use as member names.
 #undef GetClassName

@@ -3,15 +3,42 @@
 #include <exception>
 #include <vector>
 
+#include "accounts/account_on_system.h"
+#include "accounts/current_account_on_system.h"
+#include "accounts/environment_variable_info.h"
+#include "accounts/os_user_info.h"
+#include "components/component_associations.h"
+#include "components/os_component_info.h"
 #include "frame/constants.h"
 #include "frame/platform.h"
+#include "os/os_info.h"
+#include "os/page_file_info.h"
+#include "os/time_zone_info.h"
+#include "software/installed_app_info.h"
+#include "software/installed_fix_info.h"
 
 namespace installedapps_col {
 
 using namespace NZARVEK20;
 
 SystemInformation::SystemInformation(boost::shared_ptr<ICIMNamespace> outputNamespace)
-    : logger(LogMessage::getInstance()), outputNamespace(std::move(outputNamespace)) {}
+    : logger(LogMessage::getInstance()), outputNamespace(std::move(outputNamespace)) {
+  if (!applicationsExcluded())
+    table[constants::kInstalledApplicationClass] = &SystemInformation::make<InstalledAppInfo>;
+  table[constants::kInstalledFixClass] = &SystemInformation::make<InstalledFixInfo>;
+  table[constants::kOSComponentClass] = &SystemInformation::make<OSComponentInfo>;
+  table[constants::kOSBaseComponentClass] = &SystemInformation::make<OSBaseComponent>;
+  table[constants::kOSSubComponentClass] = &SystemInformation::make<OSSubComponent>;
+  table[constants::kPageFileClass] = &SystemInformation::make<PageFileInfo>;
+  table[constants::kOperatingSystemClass] = &SystemInformation::make<OSInfo>;
+  table[constants::kTimeZoneClass] = &SystemInformation::make<TTimeZoneinfo>;
+  table[constants::kAccountClass] = &SystemInformation::make<OSUserInfo>;
+  table[constants::kSystemEnvironmentVariableClass] = &SystemInformation::make<EnvironmentVariableInfo>;
+  table[constants::kUserEnvironmentVariableClass] = &SystemInformation::make<EnvironmentVariableInfo>;
+  table[constants::kOSEnvironmentVariableClass] = &SystemInformation::make<OSEnvironmentVariable>;
+  table[constants::kAccountOnSystemClass] = &SystemInformation::make<AccountOnSystem>;
+  table[constants::kCurrentAccountOnSystemClass] = &SystemInformation::make<CurrentAccountOnSystem>;
+}
 
 SystemInformation::~SystemInformation() {}
 

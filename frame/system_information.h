@@ -31,6 +31,12 @@ class SystemInformation {
   boost::shared_ptr<NZARVEK20::ICIMNamespace> outputNamespace;
 
  private:
+  // The factory of one collector class: it makes the collector and does
+  // nothing else.
+  template <class Collector>
+  boost::shared_ptr<GetInfo> make(boost::shared_ptr<NZARVEK20::ICIMClass> cimClass) {
+    return boost::shared_ptr<GetInfo>(new Collector(cimClass));
+  }
   int runCollector(const std::string& className, boost::shared_ptr<NZARVEK20::ICIMClass> cimClass);
 };
 

@@ -7,9 +7,11 @@ namespace NZARVEK20 {
 
 boost::shared_ptr<ICIMNamespace> TRootObject::GetPluginManager() {
   // Made on first use, so that a library that registers while it is being
-  // loaded finds it whatever the order of static initialisation.
-  static boost::shared_ptr<TPluginManagerNamespace> manager(new TPluginManagerNamespace);
-  return manager;
+  // loaded finds it whatever the order of static initialisation; kept for
+  // the life of the process, like the plug-ins it owns.
+  static auto* manager =
+      new boost::shared_ptr<TPluginManagerNamespace>(new TPluginManagerNamespace);
+  return *manager;
 }
 
 ILogger* TRootObject::GetCoreLogger() { return &TCoreLogger::Instance(); }

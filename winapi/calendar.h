@@ -9,14 +9,14 @@
 namespace winapi {
 
 struct CivilTime {
-    int year = 1970;
-    unsigned month = 1;  // 1-12
-    unsigned day = 1;    // 1-31
-    unsigned hour = 0;
-    unsigned minute = 0;
-    unsigned second = 0;
-    unsigned millisecond = 0;
-    unsigned dayOfWeek = 4;  // 0 = Sunday
+  int year = 1970;
+  unsigned month = 1;  // 1-12
+  unsigned day = 1;    // 1-31
+  unsigned hour = 0;
+  unsigned minute = 0;
+  unsigned second = 0;
+  unsigned millisecond = 0;
+  unsigned dayOfWeek = 4;  // 0 = Sunday
 };
 
 std::int64_t daysFromCivil(int year, unsigned month, unsigned day);

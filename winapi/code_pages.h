@@ -15,20 +15,21 @@ constexpr unsigned kUtf8CodePage = 65001;
 std::optional<std::string> charsetOf(unsigned codePage);
 
 struct Decoded {
-    std::wstring text;
-    bool invalid = false;  // some bytes were no character and became U+FFFD
+  std::wstring text;
+  bool invalid = false;  // some bytes were no character and became U+FFFD
 };
 std::optional<Decoded> decode(unsigned codePage, const char* bytes, std::size_t size);
 
 struct Encoded {
-    std::string bytes;
-    std::vector<std::size_t> ends;  // where each character's bytes end, so output can be cut whole
-    bool usedDefault = false;       // some character had no mapping and became the default
+  std::string bytes;
+  std::vector<std::size_t> ends;  // where each character's bytes end, so output can be cut whole
+  bool usedDefault = false;       // some character had no mapping and became the default
 };
 std::optional<Encoded> encode(unsigned codePage, const wchar_t* text, std::size_t size,
                               const std::string& defaultChar);
 
-// Text of machine.json (UTF-8) as the A functions hand it out; '?' where the page lacks a character.
+// Text of machine.json (UTF-8) as the A functions hand it out; '?' where the page lacks a
+// character.
 std::string utf8ToCodePage(unsigned codePage, const std::string& utf8);
 std::wstring utf8ToWide(const std::string& utf8);
 

@@ -8,29 +8,30 @@
 namespace {
 
 const winapi::EnvironmentBlock::Variable* findVariable(const char* name) {
-    return winapi::currentMachine().environment().find(name);
+  return winapi::currentMachine().environment().find(name);
 }
 
 }  // namespace
 
 extern "C" DWORD WINAPI GetEnvironmentVariableA(LPCSTR lpName, LPSTR lpBuffer, DWORD nSize) {
-    using namespace winapi;
-    if (auto failed = injected<DWORD>("GetEnvironmentVariableA", Reports::ThroughLastError)) return *failed;
-    if (!lpName) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return 0;
-    }
-    const EnvironmentBlock::Variable* variable = findVariable(lpName);
-    if (!variable) {
-        SetLastError(ERROR_ENVVAR_NOT_FOUND);
-        return 0;
-    }
-    // A variable with an empty value also answers 0; the cleared last error tells it apart.
-    SetLastError(ERROR_SUCCESS);
-    return static_cast<DWORD>(copyOrMeasure(variable->ansiValue, lpBuffer, nSize));
+  using namespace winapi;
+  if (auto failed = injected<DWORD>("GetEnvironmentVariableA", Reports::ThroughLastError))
+    return *failed;
+  if (!lpName) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return 0;
+  }
+  const EnvironmentBlock::Variable* variable = findVariable(lpName);
+  if (!variable) {
+    SetLastError(ERROR_ENVVAR_NOT_FOUND);
+    return 0;
+  }
+  // A variable with an empty value also answers 0; the cleared last error tells it apart.
+  SetLastError(ERROR_SUCCESS);
+  return static_cast<DWORD>(copyOrMeasure(variable->ansiValue, lpBuffer, nSize));
 }
 
 extern "C" char* vrx_getenv(const char* name) noexcept {
-    const winapi::EnvironmentBlock::Variable* variable = name ? findVariable(name) : nullptr;
-    return variable ? const_cast<char*>(variable->ansiValue.c_str()) : nullptr;
+  const winapi::EnvironmentBlock::Variable* variable = name ? findVariable(name) : nullptr;
+  return variable ? const_cast<char*>(variable->ansiValue.c_str()) : nullptr;
 }

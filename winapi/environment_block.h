@@ -12,23 +12,24 @@
 namespace winapi {
 
 class EnvironmentBlock {
-public:
-    struct Variable {
-        std::string name;       // UTF-8
-        std::string value;      // UTF-8
-        std::string ansiValue;  // in the machine's ANSI code page, as the A functions and getenv give it
-    };
-    using Variables = std::map<std::string, Variable, LessIgnoringCase>;
+ public:
+  struct Variable {
+    std::string name;   // UTF-8
+    std::string value;  // UTF-8
+    std::string
+        ansiValue;  // in the machine's ANSI code page, as the A functions and getenv give it
+  };
+  using Variables = std::map<std::string, Variable, LessIgnoringCase>;
 
-    explicit EnvironmentBlock(unsigned ansiCodePage = 1252) : codePage_(ansiCodePage) {}
+  explicit EnvironmentBlock(unsigned ansiCodePage = 1252) : codePage_(ansiCodePage) {}
 
-    void set(const std::string& name, const std::string& value);
-    const Variable* find(std::string_view name) const;
-    const Variables& variables() const { return variables_; }
+  void set(const std::string& name, const std::string& value);
+  const Variable* find(std::string_view name) const;
+  const Variables& variables() const { return variables_; }
 
-private:
-    unsigned codePage_;
-    Variables variables_;
+ private:
+  unsigned codePage_;
+  Variables variables_;
 };
 
 }  // namespace winapi

@@ -17,6 +17,7 @@ extern "C" void WINAPI SetLastError(DWORD dwErrCode) { lastError = dwErrCode; }
 
 // Every mode is kept: there are no critical-error boxes on Linux to suppress.
 extern "C" UINT WINAPI SetErrorMode(UINT uMode) {
-    if (auto failed = winapi::injected<UINT>("SetErrorMode", winapi::Reports::ByReturnValue)) return *failed;
-    return errorMode.exchange(uMode);
+  if (auto failed = winapi::injected<UINT>("SetErrorMode", winapi::Reports::ByReturnValue))
+    return *failed;
+  return errorMode.exchange(uMode);
 }

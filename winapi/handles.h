@@ -9,13 +9,14 @@
 namespace winapi {
 
 enum class HandleKind : std::uint32_t {
-    Module = 0x4C444F4D,       // "MODL"
-    LocalMemory = 0x4D434F4C,  // "LOCM"
+  Module = 0x4C444F4D,       // "MODL"
+  LocalMemory = 0x4D434F4C,  // "LOCM"
+  RegistryKey = 0x4B474552,  // "REGK"
 };
 
 struct HandleObject {
-    explicit HandleObject(HandleKind kind) : magic(kind) {}
-    HandleKind magic;
+  explicit HandleObject(HandleKind kind) : magic(kind) {}
+  HandleKind magic;
 };
 
 void registerHandle(const void* handle, HandleObject* object);
@@ -26,12 +27,12 @@ HandleObject* takeHandle(const void* handle, HandleKind kind);
 // The object of `handle` when it is a live handle of T's kind (T::kKind), else nullptr.
 template <class T>
 T* checkHandle(const void* handle) {
-    return static_cast<T*>(lookupHandle(handle, T::kKind));
+  return static_cast<T*>(lookupHandle(handle, T::kKind));
 }
 
 template <class T>
 T* takeHandle(const void* handle) {
-    return static_cast<T*>(takeHandle(handle, T::kKind));
+  return static_cast<T*>(takeHandle(handle, T::kKind));
 }
 
 }  // namespace winapi

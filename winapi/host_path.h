@@ -9,7 +9,8 @@
 namespace winapi {
 
 // nullopt when the path is not drive-absolute ("C:\\…", "C:/…", "C:") or names no file.
-std::optional<std::string> findHostPath(const std::string& machineDirectory, const std::string& windowsPath);
+std::optional<std::string> findHostPath(const std::string& machineDirectory,
+                                        const std::string& windowsPath);
 
 }  // namespace winapi
 

@@ -2,10 +2,9 @@
 #ifndef VRX_WINAPI_MACHINE_FILE_H
 #define VRX_WINAPI_MACHINE_FILE_H
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
-
-#include <nlohmann/json.hpp>
 
 namespace winapi {
 

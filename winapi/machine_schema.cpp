@@ -6,17 +6,29 @@
 
 #include "winapi/calendar.h"
 #include "winapi/machine.h"
+#include "winapi/wmi_values.h"
 
 namespace winapi {
 
 namespace {
 
-enum class Shape { Object, Array, String, Boolean, Integer, UtcTime, Failure, FailureNumber, WmiValue };
+enum class Shape {
+  Object,
+  Array,
+  String,
+  Boolean,
+  Integer,
+  UtcTime,
+  Failure,
+  FailureNumber,
+  WmiValue,
+  WmiDate
+};
 
 struct Rule {
-    Shape shape;
-    std::int64_t min = 0;
-    std::uint64_t max = 0;
+  Shape shape;
+  std::int64_t min = 0;
+  std::uint64_t max = 0;
 };
 
 constexpr std::int64_t kIntMin = std::numeric_limits<std::int32_t>::min();
@@ -25,7 +37,8 @@ constexpr std::uint64_t kWord = 0xFFFF;
 constexpr std::uint64_t kDword = 0xFFFFFFFF;
 constexpr std::uint64_t kQword = std::numeric_limits<std::uint64_t>::max();
 
-const Rule kObject{Shape::Object}, kArray{Shape::Array}, kString{Shape::String}, kBoolean{Shape::Boolean};
+const Rule kObject{Shape::Object}, kArray{Shape::Array}, kString{Shape::String},
+    kBoolean{Shape::Boolean};
 const Rule kWordInt{Shape::Integer, 0, kWord}, kDwordInt{Shape::Integer, 0, kDword};
 const Rule kQwordInt{Shape::Integer, 0, kQword}, kLong{Shape::Integer, kIntMin, kIntMax};
 
@@ -44,12 +57,15 @@ const std::map<std::string, Rule> kDescribed = {
     {"version.build", kDwordInt},
     {"version.platformId", kDwordInt},
     {"version.csdVersion", kString},
+    {"version.servicePackMajor", kWordInt},
+    {"version.servicePackMinor", kWordInt},
     {"version.suiteMask", kWordInt},
     {"version.productType", {Shape::Integer, 0, 0xFF}},
     {"version.productInfo", kDwordInt},
     {"system", kObject},
     {"system.processorArchitecture", kWordInt},
     {"system.pageSize", kDwordInt},
+    {"system.numberOfProcessors", {Shape::Integer, 1, kDword}},
     {"system.wow64", kBoolean},
     {"system.windowsDirectory", kString},
     {"system.systemDirectory", kString},
@@ -63,7 +79,11 @@ const std::map<std::string, Rule> kDescribed = {
     {"memory.availVirtual", kQwordInt},
     {"performance", kObject},
     {"performance.*", kQwordInt},
-    {"uptimeSeconds", kQwordInt},
+    {"performance.handleCount", kDwordInt},
+    {"performance.processCount", kDwordInt},
+    {"performance.threadCount", kDwordInt},
+    // PDH hands the counter out as a signed 64-bit LONGLONG.
+    {"uptimeSeconds", {Shape::Integer, 0, std::numeric_limits<std::int64_t>::max()}},
     {"timeZone", kObject},
     {"timeZone.bias", kLong},
     {"timeZone.standardName", kString},
@@ -93,11 +113,12 @@ const std::map<std::string, Rule> kDescribed = {
     {"loggedOn[].user", kString},
     {"loggedOn[].domain", kString},
     {"loggedOn[].logonServer", kString},
+    {"loggedOn[].otherDomains", kString},
     {"wmi", kObject},
     {"wmi.*", kArray},
     {"wmi.*[]", kObject},
     {"wmi.*[].*", {Shape::WmiValue}},
-    {"wmi.*[].*.date", kString},
+    {"wmi.*[].*.date", {Shape::WmiDate}},
     {"commands", kObject},
     {"commands.*", kString},
     {"missing", kArray},
@@ -117,98 +138,114 @@ const std::pair<const char*, Rule> kTransitionFields[] = {
 };
 
 std::map<std::string, Rule> allMembers() {
-    std::map<std::string, Rule> members = kDescribed;
-    for (const char* date : {"timeZone.standardDate", "timeZone.daylightDate"})
-        for (const auto& [field, rule] : kTransitionFields) members.emplace(std::string(date) + "." + field, rule);
-    return members;
+  std::map<std::string, Rule> members = kDescribed;
+  for (const char* date : {"timeZone.standardDate", "timeZone.daylightDate"})
+    for (const auto& [field, rule] : kTransitionFields)
+      members.emplace(std::string(date) + "." + field, rule);
+  return members;
 }
 
 const std::map<std::string, Rule> kMembers = allMembers();
 
 bool isHexNumber(const nlohmann::json& value) {
-    if (!value.is_string()) return false;
-    const std::string& text = value.get_ref<const std::string&>();
-    if (text.size() < 3 || text.size() > 18 || text[0] != '0' || (text[1] != 'x' && text[1] != 'X')) return false;
-    for (std::size_t i = 2; i < text.size(); ++i)
-        if (!std::isxdigit(static_cast<unsigned char>(text[i]))) return false;
-    return true;
+  if (!value.is_string()) return false;
+  const std::string& text = value.get_ref<const std::string&>();
+  if (text.size() < 3 || text.size() > 18 || text[0] != '0' || (text[1] != 'x' && text[1] != 'X'))
+    return false;
+  for (std::size_t i = 2; i < text.size(); ++i)
+    if (!std::isxdigit(static_cast<unsigned char>(text[i]))) return false;
+  return true;
 }
 
 bool isUtcTime(const nlohmann::json& value) {
-    static const std::int64_t kFirstSystemTime = daysFromCivil(1601, 1, 1) * 86400000;
-    auto time = value.is_string() ? parseUtcTime(value.get_ref<const std::string&>()) : std::nullopt;
-    return time && *time >= kFirstSystemTime;
+  static const std::int64_t kFirstSystemTime = daysFromCivil(1601, 1, 1) * 86400000;
+  auto time = value.is_string() ? parseUtcTime(value.get_ref<const std::string&>()) : std::nullopt;
+  return time && *time >= kFirstSystemTime;
 }
 
 bool inRange(const nlohmann::json& value, const Rule& rule) {
-    if (!value.is_number_unsigned()) return value.get<std::int64_t>() >= rule.min;
-    std::uint64_t number = value.get<std::uint64_t>();
-    return number <= rule.max && (rule.min <= 0 || number >= static_cast<std::uint64_t>(rule.min));
+  if (!value.is_number_unsigned()) return value.get<std::int64_t>() >= rule.min;
+  std::uint64_t number = value.get<std::uint64_t>();
+  return number <= rule.max && (rule.min <= 0 || number >= static_cast<std::uint64_t>(rule.min));
 }
 
 // The problem with `value`, or "" when it fits the rule.
 std::string problemWith(const nlohmann::json& value, const Rule& rule) {
-    switch (rule.shape) {
-    case Shape::Object: return value.is_object() ? "" : "expected an object";
-    case Shape::Array: return value.is_array() ? "" : "expected an array";
-    case Shape::String: return value.is_string() ? "" : "expected a string";
-    case Shape::Boolean: return value.is_boolean() ? "" : "expected true or false";
+  switch (rule.shape) {
+    case Shape::Object:
+      return value.is_object() ? "" : "expected an object";
+    case Shape::Array:
+      return value.is_array() ? "" : "expected an array";
+    case Shape::String:
+      return value.is_string() ? "" : "expected a string";
+    case Shape::Boolean:
+      return value.is_boolean() ? "" : "expected true or false";
     case Shape::Integer:
-        if (!value.is_number_integer()) return "expected an integer";
-        return inRange(value, rule) ? ""
-                                    : "expected an integer from " + std::to_string(rule.min) + " to " +
-                                          std::to_string(rule.max);
+      if (!value.is_number_integer()) return "expected an integer";
+      return inRange(value, rule) ? ""
+                                  : "expected an integer from " + std::to_string(rule.min) +
+                                        " to " + std::to_string(rule.max);
     case Shape::UtcTime:
-        return isUtcTime(value) ? "" : "expected a UTC time like \"2026-11-22T10:15:30Z\" (from year 1601)";
+      return isUtcTime(value)
+                 ? ""
+                 : "expected a UTC time like \"2026-11-22T10:15:30Z\" (from year 1601)";
     case Shape::Failure:
-        return value.is_number_integer() || isHexNumber(value) || value.is_object()
-                   ? ""
-                   : "expected a number, a \"0x…\" string or {\"return\": …, \"lastError\": …}";
+      return value.is_number_integer() || isHexNumber(value) || value.is_object()
+                 ? ""
+                 : "expected a number, a \"0x…\" string or {\"return\": …, \"lastError\": …}";
     case Shape::FailureNumber:
-        return value.is_number_integer() || isHexNumber(value) ? "" : "expected a number or a \"0x…\" string";
+      return value.is_number_integer() || isHexNumber(value)
+                 ? ""
+                 : "expected a number or a \"0x…\" string";
     case Shape::WmiValue:
-        return value.is_string() || value.is_number_integer() || value.is_object()
-                   ? ""
-                   : "expected a string, an integer or {\"date\": …}";
-    }
-    return "";
+      return wmiValueProblem(value);
+    case Shape::WmiDate:
+      return wmiDateProblem(value);
+  }
+  return "";
 }
 
 std::string join(const std::string& parent, const std::string& name) {
-    return parent.empty() ? name : parent + "." + name;
+  return parent.empty() ? name : parent + "." + name;
 }
 
 std::string childPattern(const std::string& pattern, const std::string& name) {
-    std::string exact = join(pattern, name);
-    return kMembers.count(exact) ? exact : join(pattern, "*");
+  std::string exact = join(pattern, name);
+  return kMembers.count(exact) ? exact : join(pattern, "*");
 }
 
-void check(const nlohmann::json& value, const std::string& pattern, const std::string& path, const std::string& file) {
-    auto rule = kMembers.find(pattern);
-    if (rule == kMembers.end()) return;
-    std::string problem = problemWith(value, rule->second);
-    if (!problem.empty()) throwMemberError(file, path, problem);
-    if (value.is_object()) {
-        for (const auto& [name, member] : value.items()) check(member, childPattern(pattern, name), join(path, name), file);
-    } else if (value.is_array()) {
-        for (std::size_t i = 0; i < value.size(); ++i)
-            check(value[i], pattern + "[]", path + "[" + std::to_string(i) + "]", file);
-    }
+void check(const nlohmann::json& value, const std::string& pattern, const std::string& path,
+           const std::string& file) {
+  auto rule = kMembers.find(pattern);
+  if (rule == kMembers.end()) return;
+  std::string problem = problemWith(value, rule->second);
+  if (!problem.empty()) throwMemberError(file, path, problem);
+  if (value.is_object()) {
+    for (const auto& [name, member] : value.items())
+      check(member, childPattern(pattern, name), join(path, name), file);
+  } else if (value.is_array()) {
+    for (std::size_t i = 0; i < value.size(); ++i)
+      check(value[i], pattern + "[]", path + "[" + std::to_string(i) + "]", file);
+  }
 }
 
 }  // namespace
 
 void checkMachineDescription(const nlohmann::json& description, const std::string& file) {
-    check(description, "", "", file);
+  check(description, "", "", file);
 }
 
-void throwMemberError(const std::string& file, const std::string& path, const std::string& problem) {
-    throw MachineError(file + ": " + (path.empty() ? std::string("top level") : "member " + path) + ": " + problem);
+void throwMemberError(const std::string& file, const std::string& path,
+                      const std::string& problem) {
+  throw MachineError(file + ": " + (path.empty() ? std::string("top level") : "member " + path) +
+                     ": " + problem);
 }
 
 std::uint64_t failureNumber(const nlohmann::json& value) {
-    if (value.is_string()) return std::stoull(value.get_ref<const std::string&>().substr(2), nullptr, 16);
-    return value.is_number_unsigned() ? value.get<std::uint64_t>() : static_cast<std::uint64_t>(value.get<std::int64_t>());
+  if (value.is_string())
+    return std::stoull(value.get_ref<const std::string&>().substr(2), nullptr, 16);
+  return value.is_number_unsigned() ? value.get<std::uint64_t>()
+                                    : static_cast<std::uint64_t>(value.get<std::int64_t>());
 }
 
 }  // namespace winapi

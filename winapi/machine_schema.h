@@ -4,9 +4,8 @@
 #define VRX_WINAPI_MACHINE_SCHEMA_H
 
 #include <cstdint>
-#include <string>
-
 #include <nlohmann/json.hpp>
+#include <string>
 
 namespace winapi {
 
@@ -14,7 +13,8 @@ namespace winapi {
 void checkMachineDescription(const nlohmann::json& description, const std::string& file);
 
 // "file: member path: problem", for checks that go beyond the JSON type.
-[[noreturn]] void throwMemberError(const std::string& file, const std::string& path, const std::string& problem);
+[[noreturn]] void throwMemberError(const std::string& file, const std::string& path,
+                                   const std::string& problem);
 
 // The value of a checked `fail` number: a JSON integer or a "0x…" string (HRESULTs).
 std::uint64_t failureNumber(const nlohmann::json& value);

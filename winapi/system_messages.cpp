@@ -10,8 +10,8 @@ namespace winapi {
 namespace {
 
 struct Message {
-    std::uint32_t number;
-    const char* text;
+  std::uint32_t number;
+  const char* text;
 };
 
 // Sorted by number.
@@ -81,9 +81,10 @@ const Message kMessages[] = {
 }  // namespace
 
 const char* systemMessage(std::uint32_t number) {
-    auto found = std::lower_bound(std::begin(kMessages), std::end(kMessages), number,
-                                  [](const Message& message, std::uint32_t n) { return message.number < n; });
-    return found != std::end(kMessages) && found->number == number ? found->text : nullptr;
+  auto found =
+      std::lower_bound(std::begin(kMessages), std::end(kMessages), number,
+                       [](const Message& message, std::uint32_t n) { return message.number < n; });
+  return found != std::end(kMessages) && found->number == number ? found->text : nullptr;
 }
 
 }  // namespace winapi

@@ -14,8 +14,8 @@ bool equalsIgnoringCase(std::string_view a, std::string_view b);
 
 // Orders names the way Windows sorts them for case-insensitive lookup.
 struct LessIgnoringCase {
-    using is_transparent = void;
-    bool operator()(std::string_view a, std::string_view b) const;
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const;
 };
 
 }  // namespace winapi

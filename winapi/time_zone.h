@@ -15,7 +15,7 @@ enum class ZoneState { NoDaylightRule, Standard, Daylight };
 // `utcMilliseconds` counts from 1970-01-01 UTC.
 ZoneState zoneStateAt(const TimeZone& zone, std::int64_t utcMilliseconds);
 // Minutes to add to local time to get UTC at that instant.
-std::int32_t biasAt(const TimeZone& zone, std::int64_t utcMilliseconds);
+std::int64_t biasAt(const TimeZone& zone, std::int64_t utcMilliseconds);
 
 }  // namespace winapi
 

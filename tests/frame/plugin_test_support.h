@@ -8,9 +8,12 @@
 #include <vector>
 
 #include "frame/registration.h"
+#include "winapi/machine.h"
 #include "host/plugin.h"
 #include "host/root_object.h"
+#include "tests/winapi/test_machine.h"
 #include "vrxcore/core_logger.h"
+#include "vrxcore/mof_loader.h"
 
 namespace installedapps_col {
 
@@ -38,6 +41,39 @@ inline NZARVEK20::TPluginManagerNamespace& pluginManager() {
 inline NZARVEK20::IPluginCallbacks& registeredPlugin() {
   if (pluginManager().GetPlugins().empty()) registerWithHost();
   return *pluginManager().GetPlugins().front();
+}
+
+// A described machine whose registry is `reg` (the body of a regedit file)
+// and whose machine.json is `description`, current while the object lives.
+class RegistryMachine {
+ public:
+  explicit RegistryMachine(const std::string& reg,
+                           const nlohmann::json& description = nlohmann::json::object()) {
+    dir_.write("machine.json", description.dump());
+    dir_.write("registry/10-test.reg", "Windows Registry Editor Version 5.00\r\n\r\n" + reg);
+    winapi::setCurrentMachine(winapi::Machine::load(dir_.path()));
+  }
+  ~RegistryMachine() { winapi::setCurrentMachine(nullptr); }
+
+ private:
+  TempDirectory dir_;
+};
+
+// The shipped schema, in a namespace of its own.
+inline boost::shared_ptr<NZARVEK20::TRepositoryNamespace> makeSchemaNamespace() {
+  auto ns = NZARVEK20::TRepositoryNamespace::Create("root/qelto");
+  NZARVEK20::LoadMofFile(*ns, VRX_SCHEMA_FILE);
+  return ns;
+}
+
+// The values of one property over the instances of a namespace, in commit
+// order; unset values read as "".
+inline std::vector<std::string> propertyValues(NZARVEK20::TRepositoryNamespace& ns,
+                                               const std::string& property) {
+  std::vector<std::string> values;
+  for (const auto& instance : ns.GetInstances())
+    values.push_back(instance->GetProperty(property, {})->GetValue({}));
+  return values;
 }
 
 }  // namespace installedapps_col

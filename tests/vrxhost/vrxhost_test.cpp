@@ -76,13 +76,13 @@ TEST_F(Vrxhost, LogLevelVerboseLinesAndOutputFile) {
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(readFile(dir / "log"), "");
-  EXPECT_EQ(nlohmann::json::parse(readFile(dir / "out.json"))["instances"].size(), 1u);
+  EXPECT_EQ(nlohmann::json::parse(readFile(dir / "out.json"))["instances"].size(), 2u);
   std::istringstream lines(result.err);
   std::string first, second, extra;
   std::getline(lines, first);
   std::getline(lines, second);
   EXPECT_FALSE(std::getline(lines, extra)) << result.err;
-  EXPECT_EQ(first.rfind("QELTO_TimeZone\t", 0), 0u) << first;
+  EXPECT_EQ(first.rfind("QELTO_TimeZone\t1\t", 0), 0u) << first;
   // The host's own computer system was committed before the query.
   EXPECT_EQ(second.rfind("QELTO_ComputerSystem\t0\t", 0), 0u) << second;
   EXPECT_FALSE(fs::exists(dir / "out.json.tmp"));

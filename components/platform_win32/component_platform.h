@@ -1,0 +1,8 @@
+// The Win32 headers of the component collectors beyond <windows.h>: the
+// setup INF parser and the version resources.
+#pragma once
+
+#include "frame/platform.h"
+
+#include <setupapi.h>
+#include <winver.h>

@@ -1,0 +1,42 @@
+#include "components/wow64_redirection.h"
+
+namespace installedapps_col {
+
+namespace {
+
+constexpr DWORD kLoadWithAlteredSearchPath = 8;
+
+typedef BOOL(WINAPI* DisableRedirectionFunction)(void**);
+typedef BOOL(WINAPI* RevertRedirectionFunction)(void*);
+
+}  // namespace
+
+Wow64Redirection::Wow64Redirection()
+    : kernel32(LoadLibraryExA("kernel32.dll", nullptr, kLoadWithAlteredSearchPath)) {}
+
+Wow64Redirection::~Wow64Redirection() {
+  if (kernel32) FreeLibrary(kernel32);
+}
+
+void Wow64Redirection::runWithoutRedirection(const std::function<void()>& read) const {
+  if (!kernel32) return;
+  auto disable = reinterpret_cast<DisableRedirectionFunction>(
+      GetProcAddress(kernel32, "Wow64DisableWow64FsRedirection"));
+  void* oldValue = nullptr;
+  // Only an answer of exactly 1 means that the switch is off.
+  if (!disable || disable(&oldValue) != 1) return;
+  const auto revert = [&] {
+    auto function = reinterpret_cast<RevertRedirectionFunction>(
+        GetProcAddress(kernel32, "Wow64RevertWow64FsRedirection"));
+    if (function) function(oldValue);
+  };
+  try {
+    read();
+  } catch (...) {
+    revert();
+    throw;
+  }
+  revert();
+}
+
+}  // namespace installedapps_col

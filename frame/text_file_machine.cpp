@@ -1,0 +1,42 @@
+// Files of the machine live under its directory; they are read whole and
+// given the line ends that text mode gives on Windows.
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "frame/text_file.h"
+#include "winapi/code_pages.h"
+#include "winapi/machine.h"
+
+namespace installedapps_col {
+
+namespace {
+
+// Text mode's reading: CR LF becomes LF, and a Ctrl-Z ends the file.
+std::string asTextMode(const std::string& bytes) {
+  std::string text;
+  text.reserve(bytes.size());
+  for (size_t i = 0; i < bytes.size() && bytes[i] != '\x1A'; ++i)
+    if (!(bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n')) text += bytes[i];
+  return text;
+}
+
+}  // namespace
+
+std::unique_ptr<std::istream> openTextFile(const std::string& path) {
+  const winapi::Machine& machine = winapi::currentMachine();
+  const auto wide = winapi::decode(machine.ansiCodePage(), path.data(), path.size());
+  if (!wide) return nullptr;
+  const auto utf8 = winapi::encode(winapi::kUtf8CodePage, wide->text.data(), wide->text.size(), "?");
+  if (!utf8) return nullptr;
+  const auto hostFile = machine.hostPath(utf8->bytes);
+  std::error_code error;
+  if (!hostFile || !std::filesystem::is_regular_file(*hostFile, error)) return nullptr;
+  std::ifstream file(*hostFile, std::ios::binary);
+  if (!file) return nullptr;
+  const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  return std::make_unique<std::istringstream>(asTextMode(bytes));
+}
+
+}  // namespace installedapps_col

@@ -1,0 +1,33 @@
+// Any bytes as a .reg file merge into a registry or give a MachineError, and nothing else: no
+// crash, no other exception, no hang. Seeds: tests/winapi/reg/.
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "winapi/machine.h"
+#include "winapi/reg_file.h"
+
+namespace {
+
+// Walks what was built, so that every key and value made is touched.
+std::size_t countValues(const winapi::RegistryKey& key) {
+  std::size_t count = key.values().size();
+  for (const auto& subKey : key.subKeys()) count += countValues(*subKey);
+  return count;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  winapi::Registry registry;
+  std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  try {
+    // 932 (Shift JIS) so that REGEDIT4 text goes through a double-byte code page.
+    winapi::mergeRegFile(registry, bytes, "fuzz.reg", 932);
+  } catch (const winapi::MachineError&) {
+    return 0;
+  }
+  countValues(registry.root(winapi::Hive::LocalMachine));
+  countValues(registry.root(winapi::Hive::CurrentUser));
+  return 0;
+}

@@ -1,0 +1,23 @@
+#include "os/os_configuration.h"
+
+#include "frame/constants.h"
+#include "frame/registry_reader.h"
+
+namespace installedapps_col {
+
+using namespace NZARVEK20;
+
+std::vector<PropertyMap> OSConfiguration::getEnvironmentVariables(std::string className) {
+  const bool system = className == constants::kSystemEnvironmentVariableClass;
+  const FactMap values =
+      RegistryReader().readAllValues(system ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER,
+                                     system ? constants::kSystemEnvironmentKey
+                                            : constants::kUserEnvironmentKey);
+  std::vector<PropertyMap> records;
+  for (const auto& value : values)
+    records.push_back({{constants::kSettingID, TCIMValue(value.first)},
+                       {constants::kSettingValue, TCIMValue(value.second)}});
+  return records;
+}
+
+}  // namespace installedapps_col

@@ -1,0 +1,9 @@
+// The Win32 headers of the operating-system collectors beyond <windows.h>:
+// performance counters and process-status records. Kept out of the shared
+// platform header because <pdh.h> clashes with the Net API's <lm.h>.
+#pragma once
+
+#include "frame/platform.h"
+
+#include <pdh.h>
+#include <psapi.h>

@@ -1,0 +1,390 @@
+// Importing .reg files: one statement per line of the decoded text (reg_text.h) — [key],
+// [-key], "name"=data, @=data — where a hex list may go on over lines ending in '\'.
+#include "winapi/reg_file.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "winapi/code_pages.h"
+#include "winapi/machine.h"
+#include "winapi/reg_text.h"
+#include "winapi/text.h"
+#include "winapi/windows.h"
+
+namespace fs = std::filesystem;
+
+namespace winapi {
+
+namespace {
+
+// Windows' own limits, which also bound what a hostile file can build.
+constexpr std::size_t kMaxKeyName = 255;
+constexpr std::size_t kMaxValueName = 16383;
+constexpr std::size_t kMaxDepth = 512;
+constexpr std::uintmax_t kMaxFileSize = 64 << 20;
+
+struct RootKey {
+  const wchar_t* name;
+  Hive hive;
+  RegistryPath below;
+};
+
+const RootKey kRootKeys[] = {
+    {L"HKEY_LOCAL_MACHINE", Hive::LocalMachine, {}},
+    {L"HKEY_CURRENT_USER", Hive::CurrentUser, {}},
+    // Windows shows HKLM\SOFTWARE\Classes (under the user's own classes) as HKEY_CLASSES_ROOT.
+    {L"HKEY_CLASSES_ROOT", Hive::LocalMachine, {L"SOFTWARE", L"Classes"}},
+};
+const std::pair<const wchar_t*, const char*> kAbbreviations[] = {
+    {L"HKLM", "HKEY_LOCAL_MACHINE"},  {L"HKCU", "HKEY_CURRENT_USER"},
+    {L"HKCR", "HKEY_CLASSES_ROOT"},   {L"HKU", "HKEY_USERS"},
+    {L"HKCC", "HKEY_CURRENT_CONFIG"},
+};
+const wchar_t* const kUnkeptRoots[] = {L"HKEY_USERS", L"HKEY_CURRENT_CONFIG",
+                                       L"HKEY_PERFORMANCE_DATA", L"HKEY_DYN_DATA"};
+
+bool hasPrefix(std::wstring_view text, std::size_t at, std::wstring_view prefix) {
+  return compareIgnoringCase(text.substr(at, prefix.size()), prefix) == 0;
+}
+
+void skipBlanks(std::wstring_view text, std::size_t& at) {
+  at = std::min(text.find_first_not_of(kRegBlanks, at), text.size());
+}
+
+int hexDigit(wchar_t c) {
+  if (c >= L'0' && c <= L'9') return c - L'0';
+  if (c >= L'a' && c <= L'f') return c - L'a' + 10;
+  if (c >= L'A' && c <= L'F') return c - L'A' + 10;
+  return -1;
+}
+
+// One to `most` hex digits at `at`, which moves past them; nullopt for none or too many.
+std::optional<std::uint32_t> hexNumber(std::wstring_view text, std::size_t& at, std::size_t most) {
+  std::size_t start = at;
+  std::uint32_t value = 0;
+  while (at < text.size() && hexDigit(text[at]) >= 0 && at - start < most)
+    value = value * 16 + static_cast<std::uint32_t>(hexDigit(text[at++]));
+  if (at == start || (at < text.size() && hexDigit(text[at]) >= 0)) return std::nullopt;
+  return value;
+}
+
+// The text of one statement: a line, and the lines its hex list goes on over, with where each
+// piece came from, so that a message names the line and column of the problem.
+class Statement {
+ public:
+  Statement(std::wstring_view line, std::size_t number) { append(line, number, 0); }
+
+  const std::wstring& text() const { return text_; }
+
+  void append(std::wstring_view text, std::size_t line, std::size_t column) {
+    pieces_.push_back({text_.size(), line, column});
+    text_ += text;
+  }
+  // Drops the '\' (and blanks after it) that ends the text, when it ends so.
+  bool dropContinuation() {
+    std::size_t last = text_.find_last_not_of(kRegBlanks);
+    if (last == std::wstring::npos || text_[last] != L'\\') return false;
+    text_.erase(last);
+    return true;
+  }
+  // "line:column" of the character at `offset` (1-based, in characters).
+  std::string placeOf(std::size_t offset) const {
+    auto piece = std::prev(std::upper_bound(
+        pieces_.begin(), pieces_.end(), offset,
+        [](std::size_t at, const Piece& candidate) { return at < candidate.offset; }));
+    return std::to_string(piece->line) + ":" +
+           std::to_string(piece->column + offset - piece->offset + 1);
+  }
+
+ private:
+  struct Piece {
+    std::size_t offset, line, column;
+  };
+  std::wstring text_;
+  std::vector<Piece> pieces_;
+};
+
+class Parser {
+ public:
+  Parser(Registry& registry, const RegText& text, const std::string& file, unsigned ansiCodePage)
+      : registry_(registry), text_(text), file_(file), ansiCodePage_(ansiCodePage) {}
+
+  void run() {
+    while (next_ < text_.lines.size()) {
+      std::size_t number = next_ + 1;
+      const std::wstring& line = text_.lines[next_++];
+      std::size_t at = line.find_first_not_of(kRegBlanks);
+      if (at == std::wstring::npos || line[at] == L';') continue;
+      Statement statement(line, number);
+      if (line[at] == L'[')
+        keyLine(statement, at);
+      else if (line[at] == L'"' || line[at] == L'@')
+        valueLine(statement, at);
+      else
+        fail(statement, at, "expected [key], \"name\"=, @= or a ; comment");
+    }
+  }
+
+ private:
+  struct Target {
+    Hive hive;
+    RegistryPath path;
+  };
+
+  void keyLine(const Statement& statement, std::size_t at) {
+    const std::wstring& text = statement.text();
+    std::size_t close = text.find_last_not_of(kRegBlanks);
+    if (close == at || text[close] != L']')
+      fail(statement, close + 1, "expected ']' at the end of the key");
+    bool remove = text[at + 1] == L'-';
+    Target target = keyPath(statement, at + (remove ? 2 : 1), close);
+    keyDeleted_ = remove;
+    key_ = remove ? nullptr : &makeKey(target);
+    if (!remove) return;
+    if (target.path.empty()) fail(statement, at + 2, "a root key cannot be deleted");
+    RegistryPath parent(target.path.begin(), target.path.end() - 1);
+    if (RegistryKey* key = registry_.root(target.hive).find(parent))
+      key->removeSubKey(target.path.back());
+  }
+
+  // Regedit makes the keys on the way as well.
+  RegistryKey& makeKey(const Target& target) {
+    RegistryKey* key = &registry_.root(target.hive);
+    for (const std::wstring& name : target.path) key = &key->makeSubKey(name);
+    return *key;
+  }
+
+  Target keyPath(const Statement& statement, std::size_t begin, std::size_t end) const {
+    std::wstring_view text = statement.text();
+    std::size_t slash = std::min(text.find(L'\\', begin), end);
+    Target target = rootKey(statement, begin, text.substr(begin, slash - begin));
+    while (slash < end) {
+      std::size_t start = slash + 1;
+      slash = std::min(text.find(L'\\', start), end);
+      std::wstring_view name = text.substr(start, slash - start);
+      if (name.empty()) fail(statement, start, "empty key name");
+      if (name.size() > kMaxKeyName) fail(statement, start, "a key name is at most 255 characters");
+      if (target.path.size() == kMaxDepth) fail(statement, start, "more than 512 levels of keys");
+      target.path.emplace_back(name);
+    }
+    return target;
+  }
+
+  Target rootKey(const Statement& statement, std::size_t at, std::wstring_view name) const {
+    for (const RootKey& root : kRootKeys)
+      if (compareIgnoringCase(name, root.name) == 0) return {root.hive, root.below};
+    for (const auto& [abbreviation, full] : kAbbreviations)
+      if (compareIgnoringCase(name, abbreviation) == 0)
+        fail(statement, at,
+             "regedit does not accept the abbreviation " + toUtf8(name) + "; write " + full);
+    for (const wchar_t* unkept : kUnkeptRoots)
+      if (compareIgnoringCase(name, unkept) == 0)
+        fail(statement, at,
+             "keys under " + toUtf8(name) +
+                 " are not kept for a machine; write them under HKEY_LOCAL_MACHINE or "
+                 "HKEY_CURRENT_USER");
+    fail(statement, at, "unknown root key \"" + toUtf8(name) + "\"");
+  }
+
+  void valueLine(Statement& statement, std::size_t at) {
+    if (!key_ && !keyDeleted_) fail(statement, at, "a value needs a [key] line before it");
+    const std::wstring& text = statement.text();
+    std::size_t nameStart = at;
+    std::wstring name;
+    if (text[at] == L'@')
+      ++at;
+    else
+      name = quoted(statement, at);
+    if (name.size() > kMaxValueName)
+      fail(statement, nameStart, "a value name is at most 16383 characters");
+    skipBlanks(text, at);
+    if (at == text.size() || text[at] != L'=')
+      fail(statement, at, "expected '=' after the value name");
+    skipBlanks(text, ++at);
+    std::optional<RegistryValue> value = data(statement, at);
+    // Values after [-key] are read and passed over, as regedit does.
+    if (keyDeleted_) return;
+    if (!value) {
+      key_->removeValue(name);
+      return;
+    }
+    value->name = std::move(name);
+    key_->setValue(std::move(*value));
+  }
+
+  // The value after '=', nullopt for '-' (delete it).
+  std::optional<RegistryValue> data(Statement& statement, std::size_t at) {
+    const std::wstring& text = statement.text();
+    if (at < text.size() && text[at] == L'-') {
+      expectEnd(statement, at + 1);
+      return std::nullopt;
+    }
+    if (at < text.size() && text[at] == L'"') {
+      std::wstring string = quoted(statement, at);
+      expectEnd(statement, at);
+      return RegistryValue{L"", REG_SZ, utf16Bytes(string) + std::string(2, '\0')};
+    }
+    if (hasPrefix(text, at, L"dword:")) {
+      std::size_t digits = at + 6;
+      auto number = hexNumber(text, digits, 8);
+      if (!number) fail(statement, at + 6, "expected 1 to 8 hex digits after dword:");
+      expectEnd(statement, digits);
+      std::string bytes;
+      for (int shift = 0; shift < 32; shift += 8)
+        bytes.push_back(static_cast<char>(*number >> shift));
+      return RegistryValue{L"", REG_DWORD, bytes};
+    }
+    if (hasPrefix(text, at, L"hex")) {
+      std::uint32_t type = hexType(statement, at);
+      return RegistryValue{L"", type, storedBytes(type, hexList(statement, at))};
+    }
+    fail(statement, at, "expected \"text\", dword:, hex:, hex(type): or - after '='");
+  }
+
+  // "hex:" is REG_BINARY, "hex(N):" type N; `at` moves past the ':'.
+  std::uint32_t hexType(const Statement& statement, std::size_t& at) const {
+    const std::wstring& text = statement.text();
+    at += 3;
+    std::uint32_t type = REG_BINARY;
+    if (at < text.size() && text[at] == L'(') {
+      std::size_t digits = ++at;
+      auto number = hexNumber(text, at, 8);
+      if (!number || at == text.size() || text[at] != L')')
+        fail(statement, digits, "expected a hex type number and ')' after hex(");
+      type = *number;
+      ++at;
+    }
+    if (at == text.size() || text[at] != L':') fail(statement, at, "expected ':' after hex");
+    ++at;
+    return type;
+  }
+
+  // Comma-separated hex bytes; a line ending in '\' goes on at the first non-blank of the next.
+  std::string hexList(Statement& statement, std::size_t at) {
+    while (statement.dropContinuation() && next_ < text_.lines.size()) {
+      std::wstring_view line = text_.lines[next_];
+      std::size_t start = std::min(line.find_first_not_of(kRegBlanks), line.size());
+      statement.append(line.substr(start), next_ + 1, start);
+      ++next_;
+    }
+    const std::wstring& text = statement.text();
+    std::string bytes;
+    skipBlanks(text, at);
+    if (at == text.size() || text[at] == L';') return bytes;
+    for (;;) {
+      skipBlanks(text, at);
+      std::size_t start = at;
+      auto byte = hexNumber(text, at, 2);
+      if (!byte) fail(statement, start, "expected a hex byte, 00 to ff");
+      bytes.push_back(static_cast<char>(*byte));
+      skipBlanks(text, at);
+      if (at == text.size() || text[at] != L',') break;
+      ++at;
+    }
+    expectEnd(statement, at);
+    return bytes;
+  }
+
+  // REGEDIT4 wrote the strings of hex(1), hex(2) and hex(7) in the ANSI code page; the registry
+  // keeps them in UTF-16LE.
+  std::string storedBytes(std::uint32_t type, std::string bytes) const {
+    if (!text_.regedit4 || (type != REG_SZ && type != REG_EXPAND_SZ && type != REG_MULTI_SZ))
+      return bytes;
+    auto decoded = decode(ansiCodePage_, bytes.data(), bytes.size());
+    return decoded ? utf16Bytes(decoded->text) : bytes;
+  }
+
+  // A quoted string with the escapes \\ and \"; `at` moves past the closing quote.
+  std::wstring quoted(const Statement& statement, std::size_t& at) const {
+    const std::wstring& text = statement.text();
+    std::size_t open = at++;
+    std::wstring result;
+    for (;; ++at) {
+      if (at == text.size()) fail(statement, open, "missing the closing '\"'");
+      wchar_t c = text[at];
+      if (c == L'"') break;
+      if (c == L'\\') {
+        if (at + 1 == text.size() || (text[at + 1] != L'\\' && text[at + 1] != L'"'))
+          fail(statement, at, "expected \\\\ or \\\" after a backslash");
+        c = text[++at];
+      }
+      result.push_back(c);
+    }
+    ++at;
+    return result;
+  }
+
+  // Only blanks and a ; comment may follow a value.
+  void expectEnd(const Statement& statement, std::size_t at) const {
+    const std::wstring& text = statement.text();
+    skipBlanks(text, at);
+    if (at < text.size() && text[at] != L';')
+      fail(statement, at, "unexpected text after the value");
+  }
+
+  [[noreturn]] void fail(const Statement& statement, std::size_t at,
+                         const std::string& problem) const {
+    throw MachineError(file_ + ":" + statement.placeOf(at) + ": " + problem);
+  }
+
+  Registry& registry_;
+  const RegText& text_;
+  const std::string& file_;
+  unsigned ansiCodePage_;
+  std::size_t next_ = 1;        // the line to read next; line 0 is the header
+  RegistryKey* key_ = nullptr;  // where values go
+  bool keyDeleted_ = false;     // the last key line was [-key]
+};
+
+std::string readFile(const fs::path& file) {
+  std::error_code error;
+  std::uintmax_t size = fs::file_size(file, error);
+  if (error) throw MachineError(file.string() + ": cannot read: " + error.message());
+  if (size > kMaxFileSize) throw MachineError(file.string() + ": larger than 64 MiB");
+  std::ifstream in(file, std::ios::binary);
+  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (!in.is_open() || in.bad()) throw MachineError(file.string() + ": cannot read");
+  return bytes;
+}
+
+std::vector<fs::path> regFiles(const fs::path& folder) {
+  std::error_code error;
+  std::vector<fs::path> files;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (equalsIgnoringCase(entry->path().extension().string(), ".reg") &&
+        entry->is_regular_file(error))
+      files.push_back(entry->path());
+  }
+  if (error) throw MachineError(folder.string() + ": cannot read: " + error.message());
+  std::sort(files.begin(), files.end(), [](const fs::path& a, const fs::path& b) {
+    return a.filename().string() < b.filename().string();
+  });
+  return files;
+}
+
+}  // namespace
+
+void mergeRegFile(Registry& registry, std::string_view bytes, const std::string& file,
+                  unsigned ansiCodePage) {
+  RegText text = decodeRegText(bytes, file, ansiCodePage);
+  Parser(registry, text, file, ansiCodePage).run();
+}
+
+std::shared_ptr<Registry> readRegistryFiles(const std::string& directory, unsigned ansiCodePage) {
+  auto registry = std::make_shared<Registry>();
+  fs::path folder = fs::path(directory) / "registry";
+  std::error_code error;
+  if (!fs::exists(folder, error)) return registry;
+  if (!fs::is_directory(folder, error)) throw MachineError(folder.string() + ": not a directory");
+  for (const fs::path& file : regFiles(folder))
+    mergeRegFile(*registry, readFile(file), file.string(), ansiCodePage);
+  return registry;
+}
+
+}  // namespace winapi

@@ -1,0 +1,108 @@
+#include "winapi/reg_text.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "winapi/code_pages.h"
+#include "winapi/machine.h"
+#include "winapi/registry_store.h"
+
+namespace winapi {
+
+namespace {
+
+constexpr std::string_view kVersion5 = "Windows Registry Editor Version 5.00";
+constexpr std::string_view kVersion4 = "REGEDIT4";
+
+enum class Encoding { Utf16, Utf8, Ansi };
+
+bool startsWith(std::string_view bytes, std::string_view prefix) {
+  return bytes.substr(0, prefix.size()) == prefix;
+}
+
+// The byte-order mark decides; without one, a REGEDIT4 file is ANSI text and the rest UTF-8.
+Encoding takeEncoding(std::string_view& bytes) {
+  if (startsWith(bytes, "\xFF\xFE")) {
+    bytes.remove_prefix(2);
+    return Encoding::Utf16;
+  }
+  if (startsWith(bytes, "\xEF\xBB\xBF")) {
+    bytes.remove_prefix(3);
+    return Encoding::Utf8;
+  }
+  return startsWith(bytes, kVersion4) ? Encoding::Ansi : Encoding::Utf8;
+}
+
+// Line feeds are whole code units in every encoding here (the trail bytes of the double-byte
+// ANSI pages start at 0x40).
+std::vector<std::string_view> splitLines(std::string_view bytes, std::size_t unit) {
+  std::vector<std::string_view> lines;
+  std::size_t start = 0;
+  for (std::size_t i = 0; i + unit <= bytes.size(); i += unit) {
+    if (bytes[i] == '\n' && (unit == 1 || bytes[i + 1] == '\0')) {
+      lines.push_back(bytes.substr(start, i - start));
+      start = i + unit;
+    }
+  }
+  lines.push_back(bytes.substr(start));
+  return lines;
+}
+
+std::optional<std::wstring> decodeLine(std::string_view bytes, Encoding encoding,
+                                       unsigned ansiCodePage) {
+  std::wstring text;
+  if (encoding == Encoding::Utf16) {
+    text = fromUtf16Bytes(bytes);
+    if (std::any_of(text.begin(), text.end(), [](wchar_t c) { return c >= 0xD800 && c <= 0xDFFF; }))
+      return std::nullopt;
+  } else {
+    auto decoded = decode(encoding == Encoding::Utf8 ? kUtf8CodePage : ansiCodePage, bytes.data(),
+                          bytes.size());
+    if (!decoded || decoded->invalid) return std::nullopt;
+    text = std::move(decoded->text);
+  }
+  if (!text.empty() && text.back() == L'\r') text.pop_back();
+  return text;
+}
+
+std::string describe(Encoding encoding, unsigned ansiCodePage) {
+  switch (encoding) {
+    case Encoding::Utf16:
+      return "UTF-16LE text";
+    case Encoding::Utf8:
+      return "UTF-8 text";
+    case Encoding::Ansi:
+      break;
+  }
+  return "text in code page " + std::to_string(ansiCodePage);
+}
+
+}  // namespace
+
+RegText decodeRegText(std::string_view bytes, const std::string& file, unsigned ansiCodePage) {
+  Encoding encoding = takeEncoding(bytes);
+  std::size_t unit = encoding == Encoding::Utf16 ? 2 : 1;
+  if (bytes.size() % unit != 0) throw MachineError(file + ": UTF-16LE text of an odd length");
+  RegText text;
+  for (std::string_view line : splitLines(bytes, unit)) {
+    auto decoded = decodeLine(line, encoding, ansiCodePage);
+    if (!decoded)
+      throw MachineError(file + ":" + std::to_string(text.lines.size() + 1) + ": not " +
+                         describe(encoding, ansiCodePage));
+    text.lines.push_back(std::move(*decoded));
+  }
+  std::wstring_view header = text.lines[0];
+  std::string first = toUtf8(header.substr(0, header.find_last_not_of(kRegBlanks) + 1));
+  if (first != kVersion5 && first != kVersion4)
+    throw MachineError(file + ":1: expected \"" + std::string(kVersion5) + "\" or \"" +
+                       std::string(kVersion4) + "\" as the first line");
+  text.regedit4 = first == kVersion4;
+  return text;
+}
+
+std::string toUtf8(std::wstring_view text) {
+  auto encoded = encode(kUtf8CodePage, text.data(), text.size(), "?");
+  return encoded ? encoded->bytes : std::string();
+}
+
+}  // namespace winapi

@@ -1,0 +1,140 @@
+#include "winapi/registry_store.h"
+
+#include <locale.h>
+#include <wctype.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace winapi {
+
+namespace {
+
+constexpr wchar_t kFirstSurrogate = 0xD800, kFirstLowSurrogate = 0xDC00, kLastSurrogate = 0xDFFF;
+constexpr std::uint32_t kFirstSupplementary = 0x10000;
+
+// Windows upper-cases registry names with its Unicode table; glibc's C.UTF-8 locale has the
+// same simple mappings for the characters names use.
+wchar_t upperCase(wchar_t c) {
+  static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t{});
+  if (c < 0x80 || !unicode) return c >= L'a' && c <= L'z' ? c - L'a' + L'A' : c;
+  return static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), unicode));
+}
+
+void appendUnit(std::string& bytes, std::uint32_t unit) {
+  bytes.push_back(static_cast<char>(unit & 0xFF));
+  bytes.push_back(static_cast<char>(unit >> 8));
+}
+
+}  // namespace
+
+int compareIgnoringCase(std::wstring_view a, std::wstring_view b) {
+  std::size_t common = std::min(a.size(), b.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    auto x = static_cast<std::uint32_t>(upperCase(a[i]));
+    auto y = static_cast<std::uint32_t>(upperCase(b[i]));
+    if (x != y) return x < y ? -1 : 1;
+  }
+  return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+std::string utf16Bytes(std::wstring_view text) {
+  std::string bytes;
+  bytes.reserve(text.size() * 2);
+  for (wchar_t c : text) {
+    auto code = static_cast<std::uint32_t>(c);
+    if (code < kFirstSupplementary) {
+      appendUnit(bytes, code);
+    } else {
+      code -= kFirstSupplementary;
+      appendUnit(bytes, kFirstSurrogate + (code >> 10));
+      appendUnit(bytes, kFirstLowSurrogate + (code & 0x3FF));
+    }
+  }
+  return bytes;
+}
+
+std::wstring fromUtf16Bytes(std::string_view bytes) {
+  std::wstring text;
+  auto unitAt = [&](std::size_t i) {
+    return static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) |
+                                static_cast<unsigned char>(bytes[i + 1]) << 8);
+  };
+  std::size_t units = bytes.size() / 2;
+  for (std::size_t i = 0; i < units; ++i) {
+    wchar_t unit = unitAt(2 * i);
+    bool high = unit >= kFirstSurrogate && unit < kFirstLowSurrogate;
+    wchar_t next = i + 1 < units ? unitAt(2 * i + 2) : 0;
+    if (high && next >= kFirstLowSurrogate && next <= kLastSurrogate) {
+      text.push_back(static_cast<wchar_t>(kFirstSupplementary + ((unit - kFirstSurrogate) << 10) +
+                                          (next - kFirstLowSurrogate)));
+      ++i;
+    } else {
+      text.push_back(unit);
+    }
+  }
+  return text;
+}
+
+RegistryKey::SubKeys::const_iterator RegistryKey::lowerBound(std::wstring_view name) const {
+  return std::lower_bound(subKeys_.begin(), subKeys_.end(), name,
+                          [](const std::unique_ptr<RegistryKey>& key, std::wstring_view wanted) {
+                            return compareIgnoringCase(key->name(), wanted) < 0;
+                          });
+}
+
+const RegistryKey* RegistryKey::subKey(std::wstring_view name) const {
+  auto found = lowerBound(name);
+  return found != subKeys_.end() && compareIgnoringCase((*found)->name(), name) == 0 ? found->get()
+                                                                                     : nullptr;
+}
+
+const RegistryValue* RegistryKey::value(std::wstring_view name) const {
+  auto found = std::find_if(values_.begin(), values_.end(), [&](const RegistryValue& value) {
+    return compareIgnoringCase(value.name, name) == 0;
+  });
+  return found == values_.end() ? nullptr : &*found;
+}
+
+const RegistryKey* RegistryKey::find(const RegistryPath& path) const {
+  const RegistryKey* key = this;
+  for (auto part = path.begin(); key && part != path.end(); ++part) key = key->subKey(*part);
+  return key;
+}
+
+RegistryKey* RegistryKey::find(const RegistryPath& path) {
+  return const_cast<RegistryKey*>(std::as_const(*this).find(path));
+}
+
+RegistryKey& RegistryKey::makeSubKey(std::wstring_view name) {
+  auto place = lowerBound(name);
+  if (place != subKeys_.end() && compareIgnoringCase((*place)->name(), name) == 0) return **place;
+  return **subKeys_.insert(place, std::make_unique<RegistryKey>(std::wstring(name)));
+}
+
+void RegistryKey::removeSubKey(std::wstring_view name) {
+  auto found = lowerBound(name);
+  if (found != subKeys_.end() && compareIgnoringCase((*found)->name(), name) == 0)
+    subKeys_.erase(found);
+}
+
+void RegistryKey::setValue(RegistryValue value) {
+  for (RegistryValue& existing : values_) {
+    if (compareIgnoringCase(existing.name, value.name) == 0) {
+      existing.type = value.type;
+      existing.data = std::move(value.data);
+      return;
+    }
+  }
+  values_.push_back(std::move(value));
+}
+
+void RegistryKey::removeValue(std::wstring_view name) {
+  values_.erase(std::remove_if(values_.begin(), values_.end(),
+                               [&](const RegistryValue& value) {
+                                 return compareIgnoringCase(value.name, name) == 0;
+                               }),
+                values_.end());
+}
+
+}  // namespace winapi

@@ -1,0 +1,82 @@
+// The machine's registry in memory: two hives (HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER) of keys
+// and values, kept as Windows keeps them. Key and value names are compared without regard to
+// case; sub-keys are kept sorted by their upper-cased names, values in the order they were
+// written. Value data is bytes with its type, text in it UTF-16LE.
+#ifndef VRX_WINAPI_REGISTRY_STORE_H
+#define VRX_WINAPI_REGISTRY_STORE_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace winapi {
+
+enum class Hive { LocalMachine, CurrentUser };
+
+// Key names below a hive's root, one per component.
+using RegistryPath = std::vector<std::wstring>;
+
+// Compares as Windows does for registry names: character by character, upper-cased.
+int compareIgnoringCase(std::wstring_view a, std::wstring_view b);
+
+// Text as UTF-16LE bytes, without a terminator.
+std::string utf16Bytes(std::wstring_view text);
+// UTF-16LE bytes as text; an odd last byte is dropped and an unpaired surrogate kept as it is.
+std::wstring fromUtf16Bytes(std::string_view bytes);
+
+struct RegistryValue {
+  std::wstring name;  // "" for the key's default value
+  std::uint32_t type = 0;
+  std::string data;
+};
+
+class RegistryKey {
+ public:
+  using SubKeys = std::vector<std::unique_ptr<RegistryKey>>;
+
+  explicit RegistryKey(std::wstring name) : name_(std::move(name)) {}
+
+  const std::wstring& name() const { return name_; }
+  const SubKeys& subKeys() const { return subKeys_; }
+  const std::vector<RegistryValue>& values() const { return values_; }
+
+  // nullptr when there is none.
+  const RegistryKey* subKey(std::wstring_view name) const;
+  const RegistryValue* value(std::wstring_view name) const;
+  // The key `path` below this one, nullptr when some part of it is missing.
+  const RegistryKey* find(const RegistryPath& path) const;
+  RegistryKey* find(const RegistryPath& path);
+
+  // The sub-key of that name, made when there is none (keeping the spelling of its first making).
+  RegistryKey& makeSubKey(std::wstring_view name);
+  // Removes the sub-key with everything below it; nothing when there is none.
+  void removeSubKey(std::wstring_view name);
+  // A value of the same name is replaced in its place.
+  void setValue(RegistryValue value);
+  void removeValue(std::wstring_view name);
+
+ private:
+  SubKeys::const_iterator lowerBound(std::wstring_view name) const;
+
+  std::wstring name_;
+  SubKeys subKeys_;
+  std::vector<RegistryValue> values_;
+};
+
+class Registry {
+ public:
+  RegistryKey& root(Hive hive) { return hive == Hive::LocalMachine ? localMachine_ : currentUser_; }
+  const RegistryKey& root(Hive hive) const {
+    return hive == Hive::LocalMachine ? localMachine_ : currentUser_;
+  }
+
+ private:
+  RegistryKey localMachine_{L"HKEY_LOCAL_MACHINE"};
+  RegistryKey currentUser_{L"HKEY_CURRENT_USER"};
+};
+
+}  // namespace winapi
+
+#endif
