@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "frame/narrow_text.h"
 #include "frame/cim_value_builder.h"
 #include "frame/constants.h"
 #include "frame/date_time_parser.h"
@@ -21,16 +22,6 @@ constexpr DWORD kUserPageBytes = 100;
 // Further pages of accounts are asked for only while fewer records than
 // this have been examined, logged on or not.
 constexpr unsigned kExaminedLimit = 16;
-
-// Net API text in the ANSI code page, measured first; no length limit.
-std::string narrowString(LPCWSTR text) {
-  if (!text) return std::string();
-  const int size = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
-  if (size <= 0) return std::string();
-  std::vector<char> buffer(size, '\0');
-  WideCharToMultiByte(CP_ACP, 0, text, -1, buffer.data(), size, nullptr, nullptr);
-  return std::string(buffer.data(), strnlen(buffer.data(), buffer.size()));
-}
 
 std::string environmentText(const char* name) {
   const char* value = std::getenv(name);

@@ -40,6 +40,23 @@ PropertyMap GetInfo::getCIMProperties(FactMap facts) {
   return CIMValueBuilder(getCIMClass()).buildProperties(facts);
 }
 
+int GetInfo::buildInstancesFromRecords(const FactList& records, const PropertyMap& keys,
+                                       const std::string& prefix) {
+  int count = 0;
+  for (const FactMap& record : records) {
+    try {
+      PropertyMap values = getCIMProperties(record);
+      values.insert(keys.begin(), keys.end());
+      buildCIMInstance(values);
+      ++count;
+    } catch (const TVRXException& e) {
+      logger->logDebug(prefix + constants::kErrorGeneratingInstances + " " +
+                       std::to_string(e.GetStatusCode()));
+    }
+  }
+  return count;
+}
+
 void GetInfo::fixUpInstance(boost::shared_ptr<ICIMInstance> instance, PropertyMap values) {
   std::vector<const std::string*> keyNames;
   getCIMClass()->EnumerateKeyNames(TAddKeyNamesToVectorCallback(keyNames), TCIMOptions());

@@ -26,6 +26,12 @@ class GetInfo {
   boost::shared_ptr<NZARVEK20::ICIMInstance> buildCIMInstance(PropertyMap values);
   // The facts as values of the class's properties (see CIMValueBuilder).
   PropertyMap getCIMProperties(FactMap facts);
+  // One instance per record: its facts as values, then each entry of
+  // `keys` the record has no value for. A record that fails is skipped with
+  // `prefix`, the fixed text and its status code at level 3. Returns the
+  // number committed.
+  int buildInstancesFromRecords(const FactList& records, const PropertyMap& keys,
+                                const std::string& prefix);
   // Gives every string key property without an entry in `values` the
   // empty text, so that no such key reaches Commit unset.
   void fixUpInstance(boost::shared_ptr<NZARVEK20::ICIMInstance> instance, PropertyMap values);

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "frame/wow64.h"
+
 namespace installedapps_col {
 namespace {
 
@@ -9,17 +11,6 @@ constexpr REGSAM kKeyRead = 0x20019;
 constexpr REGSAM kKeyRead64 = 0x20119;
 constexpr DWORD kFirstExpansionBuffer = 255;
 constexpr DWORD kSubKeyNameBuffer = 4096;
-
-typedef BOOL(WINAPI* IsWow64ProcessFunction)(HANDLE, PBOOL);
-
-// True only for a 32-bit process on 64-bit Windows.
-bool runsUnderWow64() {
-  auto isWow64Process = reinterpret_cast<IsWow64ProcessFunction>(
-      GetProcAddress(GetModuleHandleA("kernel32"), "IsWow64Process"));
-  BOOL wow64 = FALSE;
-  if (!isWow64Process || !isWow64Process(GetCurrentProcess(), &wow64)) return false;
-  return wow64 == 1;
-}
 
 struct KeyInfo {
   DWORD subKeys = 0;

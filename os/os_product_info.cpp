@@ -7,6 +7,7 @@
 #include "frame/cim_value_builder.h"
 #include "frame/constants.h"
 #include "frame/registry_reader.h"
+#include "frame/wow64.h"
 
 namespace installedapps_col {
 
@@ -88,16 +89,7 @@ bool isVersion(const OSVERSIONINFOEXA& info, DWORD major, DWORD minor) {
   return info.dwMajorVersion == major && info.dwMinorVersion == minor;
 }
 
-typedef BOOL(WINAPI* IsWow64ProcessFunction)(HANDLE, BOOL*);
 typedef BOOL(WINAPI* GetProductInfoFunction)(DWORD, DWORD, DWORD, DWORD, DWORD*);
-
-bool runsUnderWow64() {
-  auto isWow64Process = reinterpret_cast<IsWow64ProcessFunction>(
-      GetProcAddress(GetModuleHandleA("kernel32"), "IsWow64Process"));
-  BOOL wow64 = FALSE;
-  if (!isWow64Process || !isWow64Process(GetCurrentProcess(), &wow64)) return false;
-  return wow64 == 1;
-}
 
 bool has64BitProcessor() {
   SYSTEM_INFO info = {};

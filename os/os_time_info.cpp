@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/narrow_text.h"
 #include "frame/constants.h"
 #include "frame/date_time_parser.h"
 #include "host/os_specific.h"
@@ -107,11 +108,7 @@ TCIMValue localTimestamp(__time64_t time, short utcOffset) {
 std::string narrowName(const WCHAR (&name)[32]) {
   int length = 0;
   while (length < 32 && name[length] != 0) ++length;
-  const int size = WideCharToMultiByte(CP_ACP, 0, name, length, nullptr, 0, nullptr, nullptr);
-  if (size <= 0) return std::string();
-  std::string text(static_cast<size_t>(size), '\0');
-  WideCharToMultiByte(CP_ACP, 0, name, length, &text[0], size, nullptr, nullptr);
-  return text;
+  return length == 0 ? std::string() : narrowString(name, length);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <new>
 #include <type_traits>
 
+#include "frame/narrow_text.h"
 #include "frame/constants.h"
 #include "os_platform.h"
 
@@ -34,15 +35,6 @@ struct NativePageFileEntry {
   const WCHAR* name;
 };
 
-std::string narrowText(const WCHAR* text) {
-  const int size = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
-  if (size <= 0) return std::string();
-  std::string narrow(static_cast<size_t>(size), '\0');
-  WideCharToMultiByte(CP_ACP, 0, text, -1, &narrow[0], size, nullptr, nullptr);
-  narrow.resize(std::strlen(narrow.c_str()));
-  return narrow;
-}
-
 BOOL WINAPI addPageFile(LPVOID context, PENUM_PAGE_FILE_INFORMATION info, LPCSTR fileName) {
   if (info && fileName)
     static_cast<PageFileInfo::PageFileList*>(context)->insert({fileName, info->TotalSize});
@@ -62,7 +54,7 @@ void addNativeEntries(const unsigned char* buffer, size_t capacity,
   for (size_t offset = 0; offset + sizeof(NativePageFileEntry) <= capacity;) {
     NativePageFileEntry entry;
     std::memcpy(&entry, buffer + offset, sizeof entry);
-    if (entry.name) list.insert({win32Path(narrowText(entry.name)), entry.totalSize});
+    if (entry.name) list.insert({win32Path(narrowString(entry.name)), entry.totalSize});
     if (entry.nextEntryOffset == 0) break;
     offset += entry.nextEntryOffset;
   }

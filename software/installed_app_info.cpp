@@ -119,21 +119,7 @@ PropertyMap InstalledAppInfo::getKeyProperties() {
 
 int InstalledAppInfo::getCIMInstances() {
   const FactList records = getInfo();
-  const PropertyMap keys = getKeyProperties();
-  int count = 0;
-  for (const FactMap& record : records) {
-    try {
-      PropertyMap values = getCIMProperties(record);
-      values.insert(keys.begin(), keys.end());
-      buildCIMInstance(values);
-      ++count;
-    } catch (const TVRXException& e) {
-      logger->logDebug(std::string("InstalledAppInfo::getCIMInstances ") +
-                       constants::kErrorGeneratingInstances + " " +
-                       std::to_string(e.GetStatusCode()));
-    }
-  }
-  return count;
+  return buildInstancesFromRecords(records, getKeyProperties(), "InstalledAppInfo::getCIMInstances ");
 }
 
 }  // namespace installedapps_col

@@ -10,21 +10,7 @@ using namespace NZARVEK20;
 
 int InstalledFixInfo::getCIMInstances() {
   const FactList records = WindowsFixInfo().getInfo();
-  const PropertyMap keys = getKeyProperties();
-  int count = 0;
-  for (const FactMap& record : records) {
-    try {
-      PropertyMap values = getCIMProperties(record);
-      values.insert(keys.begin(), keys.end());
-      buildCIMInstance(values);
-      ++count;
-    } catch (const TVRXException& e) {
-      logger->logDebug(std::string(constants::kFixInstancePrefix) +
-                       constants::kErrorGeneratingInstances + " " +
-                       std::to_string(e.GetStatusCode()));
-    }
-  }
-  return count;
+  return buildInstancesFromRecords(records, getKeyProperties(), constants::kFixInstancePrefix);
 }
 
 PropertyMap InstalledFixInfo::getKeyProperties() {

@@ -93,8 +93,8 @@ VersionData readVersionData(LPCSTR fileName) {
 UINT storeAnsiText(const unsigned char* wide, std::size_t units, winapi::AnsiRoom room) {
   std::wstring text = winapi::utf16leToWide(wide, units);
   text.resize(std::min(text.find(L'\0'), text.size()));
-  auto encoded = winapi::encode(winapi::currentMachine().ansiCodePage(), text.data(), text.size(),
-                                "?");
+  auto encoded =
+      winapi::encode(winapi::currentMachine().ansiCodePage(), text.data(), text.size(), "?");
   auto fits = std::upper_bound(encoded->ends.begin(), encoded->ends.end(), room.size - 1);
   std::size_t length = fits == encoded->ends.begin() ? 0 : *(fits - 1);
   std::memcpy(room.place, encoded->bytes.data(), length);

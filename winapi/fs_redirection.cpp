@@ -103,7 +103,8 @@ MachineFile findMachineFile(const std::string& windowsPath) {
   }
   path->pop_back();
   bool inDirectory = !path->empty() && machine.hostPath(joined(*path));
-  return {"", static_cast<std::uint32_t>(inDirectory ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND)};
+  return {"",
+          static_cast<std::uint32_t>(inDirectory ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND)};
 }
 
 }  // namespace winapi

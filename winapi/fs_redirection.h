@@ -11,7 +11,7 @@
 namespace winapi {
 
 struct MachineFile {
-  std::string hostPath;    // the file under the machine directory, when error is 0
+  std::string hostPath;     // the file under the machine directory, when error is 0
   std::uint32_t error = 0;  // as opening the file for reading reports it
 };
 

@@ -15,9 +15,7 @@ std::string utf16Text(std::string_view bytes, unsigned) {
   return utf16leToUtf8(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size() / 2);
 }
 
-std::string utf8Text(std::string_view bytes, unsigned) {
-  return codePageToUtf8(65001, bytes);
-}
+std::string utf8Text(std::string_view bytes, unsigned) { return codePageToUtf8(65001, bytes); }
 
 std::string ansiText(std::string_view bytes, unsigned ansiCodePage) {
   return codePageToUtf8(ansiCodePage, bytes);
@@ -38,8 +36,7 @@ const Encoding kEncodings[] = {
 std::string textOf(std::string_view bytes, unsigned ansiCodePage) {
   for (const Encoding& encoding : kEncodings) {
     if (bytes.substr(0, encoding.byteOrderMark.size()) != encoding.byteOrderMark) continue;
-    std::string text =
-        encoding.toUtf8(bytes.substr(encoding.byteOrderMark.size()), ansiCodePage);
+    std::string text = encoding.toUtf8(bytes.substr(encoding.byteOrderMark.size()), ansiCodePage);
     return text.substr(0, text.find('\x1A'));
   }
   return "";
@@ -69,7 +66,16 @@ class InfParser {
   }
 
  private:
-  enum State { kLineStart, kSectionName, kComment, kFieldStart, kValue, kQuotes, kBackslash, kDone };
+  enum State {
+    kLineStart,
+    kSectionName,
+    kComment,
+    kFieldStart,
+    kValue,
+    kQuotes,
+    kBackslash,
+    kDone
+  };
   using Handler = std::size_t (InfParser::*)(std::size_t);
   static const Handler kHandlers[];
 
@@ -236,8 +242,7 @@ std::optional<std::size_t> InfSection::findKey(std::string_view key) const {
   return std::nullopt;
 }
 
-InfFile InfFile::parse(std::string_view bytes, unsigned ansiCodePage,
-                       const std::string& fileName) {
+InfFile InfFile::parse(std::string_view bytes, unsigned ansiCodePage, const std::string& fileName) {
   InfFile file;
   std::string text = textOf(bytes, ansiCodePage);
   InfParser(text, fileName, file).run();

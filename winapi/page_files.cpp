@@ -87,7 +87,9 @@ void writeEntries(const std::vector<NativeEntry>& entries, unsigned char* buffer
     std::memcpy(name, entry.name.c_str(), (entry.name.size() + 1) * sizeof(WCHAR));
     WORD length = static_cast<WORD>(entry.name.size() * sizeof(WCHAR));
     PageFileRecord record{i + 1 < entries.size() ? static_cast<ULONG>(entry.size) : 0,
-                          entry.file->totalSize, entry.file->totalInUse, entry.file->peakUsage,
+                          entry.file->totalSize,
+                          entry.file->totalInUse,
+                          entry.file->peakUsage,
                           {length, static_cast<WORD>(length + sizeof(WCHAR)), name}};
     std::memcpy(buffer + offset, &record, sizeof record);
     offset += entry.size;
@@ -97,8 +99,7 @@ void writeEntries(const std::vector<NativeEntry>& entries, unsigned char* buffer
 }  // namespace
 
 // The callback's FALSE ends the enumeration; the call still succeeds.
-extern "C" BOOL WINAPI EnumPageFilesA(PENUM_PAGE_FILE_CALLBACKA pCallBackRoutine,
-                                      LPVOID pContext) {
+extern "C" BOOL WINAPI EnumPageFilesA(PENUM_PAGE_FILE_CALLBACKA pCallBackRoutine, LPVOID pContext) {
   using namespace winapi;
   if (auto failed = injected<BOOL>("EnumPageFilesA", Reports::ThroughLastError)) return *failed;
   if (!pCallBackRoutine) {

@@ -10,8 +10,8 @@ namespace winapi {
 
 namespace {
 
-constexpr std::uint16_t kDosSignature = 0x5A4D;      // "MZ"
-constexpr std::uint32_t kPeSignature = 0x00004550;   // "PE\0\0"
+constexpr std::uint16_t kDosSignature = 0x5A4D;     // "MZ"
+constexpr std::uint32_t kPeSignature = 0x00004550;  // "PE\0\0"
 constexpr std::size_t kPeOffsetField = 0x3C;
 constexpr std::size_t kFileHeaderSize = 20;
 constexpr std::size_t kSectionHeaderSize = 40;
@@ -147,8 +147,7 @@ class Directory {
   }
 
  private:
-  Directory(const Bytes& resources, std::uint64_t entries, std::uint32_t named,
-            std::uint32_t count)
+  Directory(const Bytes& resources, std::uint64_t entries, std::uint32_t named, std::uint32_t count)
       : resources_(resources), entries_(entries), named_(named), count_(count) {}
 
   Entry entry(std::uint32_t i) const {
@@ -190,8 +189,9 @@ ResourceLookup findResource(std::string_view image, std::uint16_t type) {
   std::uint32_t offset = 0;
   for (const Level& level : kLevels) {
     std::optional<Directory> directory = Directory::at(resources, offset);
-    std::optional<Entry> entry =
-        !directory ? std::nullopt : level.byType ? directory->numbered(type) : directory->first();
+    std::optional<Entry> entry = !directory     ? std::nullopt
+                                 : level.byType ? directory->numbered(type)
+                                                : directory->first();
     if (!entry || ((entry->target & kSubdirectoryBit) != 0) != level.leadsToDirectory)
       return failure(level.notFound);
     offset = entry->target & ~kSubdirectoryBit;

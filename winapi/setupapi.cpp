@@ -162,7 +162,8 @@ std::optional<LineRef> lineAt(const INFCONTEXT* context) {
   const OpenInf* inf = winapi::checkHandle<OpenInf>(context->CurrentInf);
   if (!inf) return failWith<std::optional<LineRef>>(ERROR_INVALID_HANDLE, std::nullopt);
   const std::vector<InfSection>& sections = inf->file.sections();
-  if (context->Section >= sections.size() || context->Line >= sections[context->Section].lines.size())
+  if (context->Section >= sections.size() ||
+      context->Line >= sections[context->Section].lines.size())
     return failWith<std::optional<LineRef>>(ERROR_LINE_NOT_FOUND, std::nullopt);
   return LineRef{&inf->file, &sections[context->Section].lines[context->Line]};
 }
@@ -205,8 +206,7 @@ extern "C" BOOL WINAPI SetupFindFirstLineA(HINF InfHandle, PCSTR Section, PCSTR 
 
 extern "C" LONG WINAPI SetupGetLineCountA(HINF InfHandle, PCSTR Section) {
   using namespace winapi;
-  if (auto failed = injected<LONG>("SetupGetLineCountA", Reports::ThroughLastError))
-    return *failed;
+  if (auto failed = injected<LONG>("SetupGetLineCountA", Reports::ThroughLastError)) return *failed;
   std::size_t index = 0;
   const InfSection* section = findSection(InfHandle, Section, &index, ERROR_SECTION_NOT_FOUND);
   if (!section) return -1;
@@ -234,8 +234,7 @@ extern "C" BOOL WINAPI SetupGetLineTextA(PINFCONTEXT Context, HINF InfHandle, PC
                                          PCSTR Key, PSTR ReturnBuffer, DWORD ReturnBufferSize,
                                          PDWORD RequiredSize) {
   using namespace winapi;
-  if (auto failed = injected<BOOL>("SetupGetLineTextA", Reports::ThroughLastError))
-    return *failed;
+  if (auto failed = injected<BOOL>("SetupGetLineTextA", Reports::ThroughLastError)) return *failed;
   INFCONTEXT found;
   if (!Context && !findFirstLine(InfHandle, Section, Key, &found)) return FALSE;
   std::optional<LineRef> at = lineAt(Context ? Context : &found);
@@ -256,7 +255,7 @@ extern "C" BOOL WINAPI SetupGetStringFieldA(PINFCONTEXT Context, DWORD FieldInde
   std::optional<LineRef> at = lineAt(Context);
   if (!at) return FALSE;
   const InfLine& line = *at->line;
-  const std::string* field = FieldIndex == 0 ? (line.key ? &*line.key : nullptr)
+  const std::string* field = FieldIndex == 0                    ? (line.key ? &*line.key : nullptr)
                              : FieldIndex <= line.fields.size() ? &line.fields[FieldIndex - 1]
                                                                 : nullptr;
   if (!field) return FALSE;

@@ -15,10 +15,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const char* const kFixtureDlls[] = {"build_comment.dll",    "build_comment32.dll",
-                                    "no_translation.dll",   "leading_blank.dll",
-                                    "description_only.dll", "strings_only.dll",
-                                    "no_resources.dll"};
+const char* const kFixtureDlls[] = {
+    "build_comment.dll",    "build_comment32.dll", "no_translation.dll", "leading_blank.dll",
+    "description_only.dll", "strings_only.dll",    "no_resources.dll"};
 
 // A machine whose system directory holds the DLLs built from tests/winapi/pe.
 class FileVersion : public ::testing::Test {
@@ -136,7 +135,8 @@ TEST_F(FileVersion, WantsTheWholeBufferAndLeavesItAloneOtherwise) {
   ASSERT_TRUE(GetFileVersionInfoA(path.c_str(), 0, size, buffer.data()));
   LPVOID value = &size;
   UINT length = 77;
-  EXPECT_FALSE(VerQueryValueA(buffer.data(), "\\StringFileInfo\\040904B0\\Comments", &value, &length));
+  EXPECT_FALSE(
+      VerQueryValueA(buffer.data(), "\\StringFileInfo\\040904B0\\Comments", &value, &length));
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_TYPE_NOT_FOUND));
   EXPECT_EQ(value, &size);
   EXPECT_EQ(length, 0u);
@@ -176,7 +176,10 @@ std::vector<unsigned char> stored(const std::string& root) {
 TEST(VersionBlocks, NeverLeaveTheBlockThatHoldsThem) {
   std::string good = block("Good", utf16("yes"), true);
   std::string zero = std::string(4, '\0') + block("After", utf16("hidden"), true);
-  std::vector<unsigned char> info = stored(block("VS_VERSION_INFO", "", false, good + zero));
+  // Children start on a 4-byte boundary after a value of any length.
+  std::string odd = block("Odd", "ab", false, block("Child", utf16("c"), true));
+  std::vector<unsigned char> info = stored(block("VS_VERSION_INFO", "", false, odd + good + zero));
+  EXPECT_EQ(query(info, "\\Odd\\Child"), "c");
   EXPECT_EQ(query(info, "\\Good"), "yes");
   EXPECT_EQ(query(info, "\\After"), "<none>");  // behind a zero wLength
   EXPECT_EQ(query(info, "\\Good\\Deeper"), "<none>");

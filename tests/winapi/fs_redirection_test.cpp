@@ -30,8 +30,8 @@ class FsRedirection : public ::testing::Test {
     HMODULE kernel32 = GetModuleHandleA("kernel32.dll");
     disable_ = reinterpret_cast<DisableFunction>(
         GetProcAddress(kernel32, "Wow64DisableWow64FsRedirection"));
-    revert_ = reinterpret_cast<RevertFunction>(
-        GetProcAddress(kernel32, "Wow64RevertWow64FsRedirection"));
+    revert_ =
+        reinterpret_cast<RevertFunction>(GetProcAddress(kernel32, "Wow64RevertWow64FsRedirection"));
     ASSERT_TRUE(disable_ && revert_);
   }
 
@@ -73,13 +73,15 @@ TEST_F(FsRedirection, SendsSystem32ToSysWow64UntilTheThreadTurnsItOff) {
   EXPECT_EQ(whichCopy(kSystem32Copy), "SysWOW64");
   EXPECT_EQ(whichCopy("c:\\WINDOWS\\system32\\..\\System32\\Setup\\WHICH.INF"), "SysWOW64");
   EXPECT_EQ(whichCopy("C:\\Windows\\System32\\drivers\\etc\\hosts.inf"), "shared");
-  EXPECT_EQ(versionError("C:\\Windows\\System32\\only64.dll"), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+  EXPECT_EQ(versionError("C:\\Windows\\System32\\only64.dll"),
+            static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
 
   PVOID outer = &outer;
   ASSERT_TRUE(disable_(&outer));
   EXPECT_EQ(outer, nullptr);
   EXPECT_EQ(whichCopy(kSystem32Copy), "System32");
-  EXPECT_EQ(versionError("C:\\Windows\\System32\\only64.dll"), static_cast<DWORD>(ERROR_RESOURCE_DATA_NOT_FOUND));
+  EXPECT_EQ(versionError("C:\\Windows\\System32\\only64.dll"),
+            static_cast<DWORD>(ERROR_RESOURCE_DATA_NOT_FOUND));
   std::string otherThread;
   std::thread([&] { otherThread = whichCopy(kSystem32Copy); }).join();
   EXPECT_EQ(otherThread, "SysWOW64");

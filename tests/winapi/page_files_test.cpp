@@ -111,7 +111,8 @@ TEST(PageFiles, NativeQueryChainsRecordsInOneBuffer) {
     offset += entry.nextEntryOffset;
     ASSERT_LT(offset, needed);
   }
-  EXPECT_EQ(names, (std::vector<std::wstring>{L"\\??\\C:\\pagefile.sys", L"\\??\\D:\\Pag\u00E9.sys"}));
+  EXPECT_EQ(names,
+            (std::vector<std::wstring>{L"\\??\\C:\\pagefile.sys", L"\\??\\D:\\Pag\u00E9.sys"}));
   EXPECT_EQ(sizes, (std::vector<ULONG>{262144, 4096}));
 
   EXPECT_EQ(call(5, buffer.data(), needed, &returned), static_cast<LONG>(0xC0000003));

@@ -1,10 +1,11 @@
+#include "winapi/pe_resources.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <functional>
 #include <string>
 
-#include "winapi/pe_resources.h"
 #include "winapi/windows.h"
 
 namespace {
@@ -25,8 +26,8 @@ void put32(std::string& image, std::size_t at, std::uint32_t value) {
 // Where the hand-made image keeps its parts.
 constexpr std::size_t kPeHeader = 0x40;
 constexpr std::size_t kOptionalHeader = kPeHeader + 24;
-constexpr std::size_t kRaw = 0x200;           // the .rsrc section in the file
-constexpr std::uint32_t kRsrcRva = 0x1000;    // and in memory
+constexpr std::size_t kRaw = 0x200;         // the .rsrc section in the file
+constexpr std::uint32_t kRsrcRva = 0x1000;  // and in memory
 constexpr std::size_t kTypeEntry = kRaw + 16;
 constexpr std::size_t kNameDirectory = 0x18;  // from the start of .rsrc
 constexpr std::size_t kLanguageDirectory = 0x30;
@@ -95,8 +96,8 @@ TEST(PeResources, TellsWhatIsWrongWithAnImage) {
        ERROR_RESOURCE_DATA_NOT_FOUND},
       {"section table past the end", [](std::string& b) { put16(b, kPeHeader + 6, 0xFFFF); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"optional header past the end",
-       [](std::string& b) { put16(b, kPeHeader + 20, 0xFFFF); }, ERROR_RESOURCE_DATA_NOT_FOUND},
+      {"optional header past the end", [](std::string& b) { put16(b, kPeHeader + 20, 0xFFFF); },
+       ERROR_RESOURCE_DATA_NOT_FOUND},
       {"no resource directory", [&](std::string& b) { put32(b, resourceDirectory + 4, 0); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
       {"resources in no section", [&](std::string& b) { put32(b, resourceDirectory, 0x9000); },
@@ -107,8 +108,8 @@ TEST(PeResources, TellsWhatIsWrongWithAnImage) {
        ERROR_RESOURCE_TYPE_NOT_FOUND},
       {"type entry leads to data", [](std::string& b) { put32(b, kTypeEntry + 4, kNameDirectory); },
        ERROR_RESOURCE_TYPE_NOT_FOUND},
-      {"name directory outside",
-       [](std::string& b) { put32(b, kTypeEntry + 4, 0x80FFFFFF); }, ERROR_RESOURCE_NAME_NOT_FOUND},
+      {"name directory outside", [](std::string& b) { put32(b, kTypeEntry + 4, 0x80FFFFFF); },
+       ERROR_RESOURCE_NAME_NOT_FOUND},
       {"no name", [](std::string& b) { put16(b, kRaw + kNameDirectory + 14, 0); },
        ERROR_RESOURCE_NAME_NOT_FOUND},
       {"language leads to a directory",
@@ -116,10 +117,11 @@ TEST(PeResources, TellsWhatIsWrongWithAnImage) {
        ERROR_RESOURCE_LANG_NOT_FOUND},
       {"data entry cut off", [](std::string& b) { b.resize(kRaw + kDataEntry + 8); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"data longer than the file", [](std::string& b) { put32(b, kRaw + kDataEntry + 4, 0x10000); },
+      {"data longer than the file",
+       [](std::string& b) { put32(b, kRaw + kDataEntry + 4, 0x10000); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"data outside every section",
-       [](std::string& b) { put32(b, kRaw + kDataEntry, 0x7000); }, ERROR_RESOURCE_DATA_NOT_FOUND},
+      {"data outside every section", [](std::string& b) { put32(b, kRaw + kDataEntry, 0x7000); },
+       ERROR_RESOURCE_DATA_NOT_FOUND},
   };
   for (const auto& c : cases) {
     std::string bytes = image(true, "version bytes");

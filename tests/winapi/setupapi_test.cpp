@@ -36,8 +36,8 @@ class SetupApi : public ::testing::Test {
   }
 
   TempDirectory drive_;
-  CurrentMachine machine_{nlohmann::json::parse(R"({"system": {"windowsDirectory": "C:\\Windows"}})"),
-                          drive_.path()};
+  CurrentMachine machine_{
+      nlohmann::json::parse(R"({"system": {"windowsDirectory": "C:\\Windows"}})"), drive_.path()};
 };
 
 // The text of field `index`, or "<none>" when the call fails.
@@ -49,11 +49,12 @@ std::string field(INFCONTEXT& context, DWORD index) {
 std::string lineText(HINF inf, const char* section, const char* key) {
   char buffer[256];
   return SetupGetLineTextA(nullptr, inf, section, key, buffer, sizeof buffer, nullptr) ? buffer
-                                                                                      : "<none>";
+                                                                                       : "<none>";
 }
 
 TEST_F(SetupApi, OpensBareNamesFromTheInfThenTheSystemDirectory) {
-  const char* found[] = {"sysoc.inf", "C:\\windows\\inf\\GAMES.INF", "legacy.inf", "\\Windows/inf/./games.inf"};
+  const char* found[] = {"sysoc.inf", "C:\\windows\\inf\\GAMES.INF", "legacy.inf",
+                         "\\Windows/inf/./games.inf"};
   for (const char* name : found) {
     HINF inf = open(name);
     EXPECT_NE(inf, INVALID_HANDLE_VALUE) << name;
@@ -107,10 +108,9 @@ TEST_F(SetupApi, ReadsComponentFieldsByIndex) {
     rows.push_back(field(context, 0) + "|" + field(context, 4) + "|" + field(context, 3) + "|" +
                    field(context, 1));
   }
-  EXPECT_EQ(rows, (std::vector<std::string>{"NtComponents|4||ntoc.dll",
-                                            "Fax||fxsocm.inf|fxsocm.dll",
-                                            "IEAccess|HIDE|ieaccess.inf|ocgen.dll",
-                                            "Games||games.inf|ocgen.dll"}));
+  EXPECT_EQ(rows, (std::vector<std::string>{
+                      "NtComponents|4||ntoc.dll", "Fax||fxsocm.inf|fxsocm.dll",
+                      "IEAccess|HIDE|ieaccess.inf|ocgen.dll", "Games||games.inf|ocgen.dll"}));
   // A field the line does not have: FALSE, and the last error is left alone.
   SetLastError(1234);
   EXPECT_EQ(field(context, 6), "<none>");
@@ -130,7 +130,7 @@ TEST_F(SetupApi, GivesLineTextWithSubstitutions) {
   }
   // A line without '=' is its own key and first field.
   EXPECT_EQ(names, (std::vector<std::string>{"games=games=games", "freecell=freecell=freecell",
-                                            "pinball=pinball=pinball"}));
+                                             "pinball=pinball=pinball"}));
   EXPECT_EQ(lineText(inf, "games", "tip"), "Includes Windows games");
   EXPECT_EQ(lineText(inf, "games", "IconIndex"), "57");  // from the second [GAMES]
   EXPECT_EQ(lineText(inf, "freecell", "Tip"), "Solitaire, 100% winnable");
