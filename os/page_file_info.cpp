@@ -1,5 +1,6 @@
 #include "os/page_file_info.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -75,11 +76,13 @@ PageFileInfo::PageFileList queryPagefileInfo() {
     // for a step more than that.
     size += kBufferStep;
     capacity = size;
-    buffer.reset(new (std::nothrow) unsigned char[capacity]);
+    buffer.reset(new (std::nothrow) unsigned char[capacity]());
     if (!buffer) return list;
     status = query(kSystemPageFileInformation, buffer.get(), capacity, &size);
   } while (status == kStatusInfoLengthMismatch);
-  if (status == 0) addNativeEntries(buffer.get(), capacity, list);
+  // Only the bytes the call says it wrote hold records: none without a
+  // page file.
+  if (status == 0) addNativeEntries(buffer.get(), std::min(size, capacity), list);
   return list;
 }
 
