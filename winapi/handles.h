@@ -12,6 +12,9 @@ enum class HandleKind : std::uint32_t {
   Module = 0x4C444F4D,       // "MODL"
   LocalMemory = 0x4D434F4C,  // "LOCM"
   RegistryKey = 0x4B474552,  // "REGK"
+  PdhQuery = 0x51484450,     // "PDHQ"
+  PdhCounter = 0x43484450,   // "PDHC"
+  InfFile = 0x464E4948,      // "HINF"
 };
 
 struct HandleObject {

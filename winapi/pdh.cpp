@@ -30,9 +30,9 @@ namespace {
 
 using winapi::HandleKind;
 
-// The handle kinds of this area, beside those of handles.h: "PDHQ" and "PDHC".
-constexpr HandleKind kQueryKind = static_cast<HandleKind>(0x51484450);
-constexpr HandleKind kCounterKind = static_cast<HandleKind>(0x43484450);
+// The handle kinds of this area.
+constexpr HandleKind kQueryKind = HandleKind::PdhQuery;
+constexpr HandleKind kCounterKind = HandleKind::PdhCounter;
 
 constexpr DWORD kFormatTypes = PDH_FMT_LONG | PDH_FMT_DOUBLE | PDH_FMT_LARGE;
 constexpr DWORD kFormatScales = PDH_FMT_NOSCALE | PDH_FMT_NOCAP100 | PDH_FMT_1000;

@@ -25,8 +25,7 @@ using winapi::InfFile;
 using winapi::InfLine;
 using winapi::InfSection;
 
-// "HINF": handles.h names the kinds of the first API areas only.
-constexpr HandleKind kInfKind = static_cast<HandleKind>(0x464E4948);
+constexpr HandleKind kInfKind = HandleKind::InfFile;
 
 struct OpenInf : winapi::HandleObject {
   static constexpr HandleKind kKind = kInfKind;
