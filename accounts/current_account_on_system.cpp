@@ -1,24 +1,14 @@
 #include "accounts/current_account_on_system.h"
 
-#include <locale>
 
 #include "accounts/association_ends.h"
 #include "accounts/user_account_reader.h"
+#include "frame/lower_case.h"
 #include "frame/constants.h"
 
 namespace installedapps_col {
 
 using namespace NZARVEK20;
-
-namespace {
-
-// Byte by byte, by the global locale.
-std::string lowerCase(std::string text) {
-  std::use_facet<std::ctype<char>>(std::locale()).tolower(&text[0], &text[0] + text.size());
-  return text;
-}
-
-}  // namespace
 
 int CurrentAccountOnSystem::buildCIMAssociation(boost::shared_ptr<ICIMNamespace> ns) {
   const TCIMOptions options = {{constants::kPluginLookupOption, TCIMValue(constants::kPluginLookupValue)}};

@@ -1,7 +1,7 @@
 #include "components/component_associations.h"
 
-#include <locale>
 
+#include "frame/lower_case.h"
 #include "frame/constants.h"
 
 namespace installedapps_col {
@@ -27,12 +27,6 @@ Instances instancesOf(boost::shared_ptr<ICIMNamespace> ns, const char* className
 
 std::string textOf(const boost::shared_ptr<ICIMInstance>& instance, const char* property) {
   return instance->GetProperty(property, TCIMOptions())->GetValue(TCIMOptions());
-}
-
-std::string lowerCase(std::string text) {
-  const auto& ctype = std::use_facet<std::ctype<char>>(std::locale());
-  ctype.tolower(&text[0], &text[0] + text.size());
-  return text;
 }
 
 // A class without the property asked for passes that element over; any

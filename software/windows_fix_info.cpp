@@ -1,8 +1,8 @@
 #include "software/windows_fix_info.h"
 
-#include <locale>
 #include <set>
 
+#include "frame/lower_case.h"
 #include "frame/constants.h"
 #include "frame/registry_reader.h"
 #include "host/root_object.h"
@@ -14,12 +14,6 @@ using namespace NZARVEK20;
 namespace {
 
 constexpr int kTraceLevel = 3;
-
-// Byte by byte, by the global locale.
-std::string lowerCase(std::string text) {
-  std::use_facet<std::ctype<char>>(std::locale()).tolower(&text[0], &text[0] + text.size());
-  return text;
-}
 
 }  // namespace
 
