@@ -28,7 +28,7 @@ Json scalar(const TCIMValue& value, const TTextEncoder& toUtf8) {
     case CIM_DATETIME:
       return value.GetDateTime().ToString();
     default:
-      return toUtf8(static_cast<std::string>(value));
+      return ScalarText(value, toUtf8);
   }
 }
 
@@ -41,13 +41,10 @@ Json valueJson(const TCIMValue& value, const TTextEncoder& toUtf8) {
 
 Json instanceJson(ICIMInstance& instance, const TTextEncoder& toUtf8) {
   Json properties = Json::object();
-  instance.EnumerateProperties(
-      [&](boost::shared_ptr<ICIMProperty> property) {
-        const TCIMValue& value = property->GetValue({});
-        if (!value.IsNull()) properties[toUtf8(property->GetName({}))] = valueJson(value, toUtf8);
-        return true;
-      },
-      {});
+  for (const auto& property : PropertiesOf(instance)) {
+    const TCIMValue& value = property->GetValue({});
+    if (!value.IsNull()) properties[toUtf8(property->GetName({}))] = valueJson(value, toUtf8);
+  }
   Json json = Json::object();
   json["class"] = instance.GetClass({})->GetName({});
   json["path"] = toUtf8(instance.GetReference({}).ToString());
@@ -57,8 +54,7 @@ Json instanceJson(ICIMInstance& instance, const TTextEncoder& toUtf8) {
 
 }  // namespace
 
-std::string ExportJson(const std::string& namespaceName,
-                       const std::vector<boost::shared_ptr<ICIMInstance>>& instances,
+std::string ExportJson(const std::string& namespaceName, const TInstances& instances,
                        const TTextEncoder& toUtf8) {
   Json document = Json::object();
   document["namespace"] = namespaceName;

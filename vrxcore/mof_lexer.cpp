@@ -7,6 +7,8 @@
 #include <optional>
 #include <string_view>
 
+#include "vrxcore/utf8_text.h"
+
 namespace NZARVEK20::mof {
 namespace {
 
@@ -80,19 +82,6 @@ std::optional<std::uint64_t> magnitude(const IntegerForm& form) {
     value = value * form.base + digit;
   }
   return value;
-}
-
-void appendUtf8(std::string& out, unsigned code) {
-  if (code < 0x80) {
-    out += static_cast<char>(code);
-  } else if (code < 0x800) {
-    out += static_cast<char>(0xC0 | (code >> 6));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  } else {
-    out += static_cast<char>(0xE0 | (code >> 12));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  }
 }
 
 std::size_t countCodePoints(const std::string& utf8) {

@@ -12,7 +12,7 @@
 #include "tools/vrxhost/output.h"
 #include "tools/vrxhost/platform.h"
 #include "vrxcore/core_logger.h"
-#include "vrxcore/json_exporter.h"
+#include "vrxcore/instance_walk.h"
 #include "vrxcore/mof_loader.h"
 
 namespace vrxhost {
@@ -103,13 +103,14 @@ void startLog(const Options& options) {
   }
 }
 
-void requireAvailableFormat(const Options& options) {
-  if (options.format != "json")
-    throw RunError(kExitUsage, "--format " + options.format + " is not available yet; use json");
+TExporter exporterFor(const Options& options) {
+  const TExporter exporter = FindExporter(options.format);
+  if (!exporter) throw RunError(kExitUsage, "--format " + options.format + " is not a format");
+  return exporter;
 }
 
 int runOrThrow(const Options& options) {
-  requireAvailableFormat(options);
+  const TExporter exporter = exporterFor(options);
   try {
     presentMachine(options);
   } catch (const std::invalid_argument& e) {
@@ -130,7 +131,7 @@ int runOrThrow(const Options& options) {
   plugin->Init();
   collect(*query, manager, *ns, classes, options.verbose);
   plugin->DeInit();
-  writeOutput(options.output, ExportJson(ns->GetName(), ns->GetInstances(), machineTextToUtf8));
+  writeOutput(options.output, exporter(ns->GetName(), ns->GetInstances(), machineTextToUtf8));
   manager->DestroyPlugins();
   return kExitOk;
 }

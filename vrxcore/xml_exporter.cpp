@@ -1,0 +1,190 @@
+#include "vrxcore/xml_exporter.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <utility>
+#include <vector>
+
+#include "vrxcore/utf8_text.h"
+
+namespace NZARVEK20 {
+namespace {
+
+bool xmlCanCarry(char32_t character) {
+  if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
+  return character != 0xFFFE && character != 0xFFFF;
+}
+
+// Text for element content and attribute values alike; white space other
+// than the plain space goes as a character reference, so that attribute
+// normalisation and line-end handling give back what was written.
+std::string escaped(const std::string& utf8) {
+  std::string out;
+  for (const char32_t character : decodeUtf8(utf8)) {
+    switch (character) {
+      case '&': out += "&amp;"; break;
+      case '<': out += "&lt;"; break;
+      case '>': out += "&gt;"; break;
+      case '"': out += "&quot;"; break;
+      case '\t': out += "&#9;"; break;
+      case '\n': out += "&#10;"; break;
+      case '\r': out += "&#13;"; break;
+      default: appendUtf8(out, xmlCanCarry(character) ? character : kReplacementCharacter);
+    }
+  }
+  return out;
+}
+
+using TAttributes = std::initializer_list<std::pair<const char*, std::string>>;
+
+// Writes an indented element tree, one element per line.
+class TXmlWriter {
+ public:
+  void Open(const char* name, TAttributes attributes = {}) {
+    StartTag(name, attributes);
+    out_ += ">\n";
+    open_.push_back(name);
+  }
+  void Close() {
+    const std::string name = open_.back();
+    open_.pop_back();
+    Indent();
+    out_ += "</" + name + ">\n";
+  }
+  void Empty(const char* name, TAttributes attributes = {}) {
+    StartTag(name, attributes);
+    out_ += "/>\n";
+  }
+  void Text(const char* name, const std::string& utf8, TAttributes attributes = {}) {
+    StartTag(name, attributes);
+    out_ += ">" + escaped(utf8) + "</" + name + ">\n";
+  }
+  std::string Finish() { return std::move(out_); }
+
+ private:
+  void Indent() { out_.append(2 * open_.size(), ' '); }
+  void StartTag(const char* name, TAttributes attributes) {
+    Indent();
+    out_ += std::string("<") + name;
+    for (const auto& attribute : attributes)
+      out_ += std::string(" ") + attribute.first + "=\"" + escaped(attribute.second) + "\"";
+  }
+
+  std::string out_ = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
+  std::vector<std::string> open_;
+};
+
+const char* keyValueType(ECIMType type) {
+  switch (type) {
+    case CIM_BOOLEAN:
+      return "boolean";
+    case CIM_STRING:
+    case CIM_CHAR16:
+    case CIM_DATETIME:
+      return "string";
+    default:
+      return "numeric";
+  }
+}
+
+class TCimXmlWriter {
+ public:
+  explicit TCimXmlWriter(const TTextEncoder& toUtf8) : toUtf8_(toUtf8) {}
+
+  std::string Document(const std::string& namespaceName, const TInstances& instances) {
+    xml_.Open("CIM", {{"CIMVERSION", "2.0"}, {"DTDVERSION", "2.4"}});
+    xml_.Open("DECLARATION");
+    xml_.Open("DECLGROUP.WITHNAME");
+    NamespacePath(namespaceName);
+    for (const auto& instance : instances) NamedInstance(*instance);
+    xml_.Close();
+    xml_.Close();
+    xml_.Close();
+    return xml_.Finish();
+  }
+
+ private:
+  void NamespacePath(const std::string& namespaceName) {
+    xml_.Open("LOCALNAMESPACEPATH");
+    for (size_t start = 0; start <= namespaceName.size();) {
+      const size_t slash = std::min(namespaceName.find('/', start), namespaceName.size());
+      xml_.Empty("NAMESPACE", {{"NAME", namespaceName.substr(start, slash - start)}});
+      start = slash + 1;
+    }
+    xml_.Close();
+  }
+
+  void NamedInstance(ICIMInstance& instance) {
+    xml_.Open("VALUE.NAMEDOBJECT");
+    InstanceName(instance.GetReference({}));
+    const std::string& className = instance.GetClass({})->GetName({});
+    xml_.Open("INSTANCE", {{"CLASSNAME", className}});
+    for (const auto& property : PropertiesOf(instance)) Property(*instance.GetClass({}), *property);
+    xml_.Close();
+    xml_.Close();
+  }
+
+  void InstanceName(const TCIMReference& path) {
+    xml_.Open("INSTANCENAME", {{"CLASSNAME", path.GetInstanceClassName()}});
+    for (const auto& key : path.GetKeyBindings()) {
+      xml_.Open("KEYBINDING", {{"NAME", key.first}});
+      const ECIMType type = key.second.GetType();
+      if (type == CIM_REFERENCE) {
+        Reference(key.second.GetReference());
+      } else {
+        xml_.Text("KEYVALUE", ScalarText(key.second, toUtf8_),
+                  {{"VALUETYPE", keyValueType(type)}, {"TYPE", key.second.GetType().ToString()}});
+      }
+      xml_.Close();
+    }
+    xml_.Close();
+  }
+
+  void Reference(const TCIMReference& path) {
+    xml_.Open("VALUE.REFERENCE");
+    InstanceName(path);
+    xml_.Close();
+  }
+
+  void Property(ICIMClass& cimClass, ICIMProperty& property) {
+    const std::string& name = property.GetName({});
+    const TCIMValue& value = property.GetValue({});
+    const std::string type = property.GetType({}).ToString();
+    if (static_cast<ECIMType>(property.GetType({})) == CIM_REFERENCE) {
+      const auto decl = cimClass.GetProperty(name, {});
+      xml_.Open("PROPERTY.REFERENCE",
+                {{"NAME", name}, {"REFERENCECLASS", decl->GetReferenceClassName({})}});
+      if (!value.IsNull()) Reference(value.GetReference());
+    } else if (property.IsArray({})) {
+      xml_.Open("PROPERTY.ARRAY", {{"NAME", name}, {"TYPE", type}});
+      if (!value.IsNull()) Array(value);
+    } else {
+      xml_.Open("PROPERTY", {{"NAME", name}, {"TYPE", type}});
+      if (!value.IsNull()) xml_.Text("VALUE", ScalarText(value, toUtf8_));
+    }
+    xml_.Close();
+  }
+
+  void Array(const TCIMValue& value) {
+    xml_.Open("VALUE.ARRAY");
+    for (const TCIMValue& element : value.GetElements()) {
+      if (element.IsNull())
+        xml_.Empty("VALUE.NULL");
+      else
+        xml_.Text("VALUE", ScalarText(element, toUtf8_));
+    }
+    xml_.Close();
+  }
+
+  const TTextEncoder& toUtf8_;
+  TXmlWriter xml_;
+};
+
+}  // namespace
+
+std::string ExportCimXml(const std::string& namespaceName, const TInstances& instances,
+                         const TTextEncoder& toUtf8) {
+  return TCimXmlWriter(toUtf8).Document(namespaceName, instances);
+}
+
+}  // namespace NZARVEK20
