@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <sstream>
+
 #include "tests/vrxcore/export_test_instances.h"
 #include "vrxcore/json_exporter.h"
 
@@ -49,6 +52,16 @@ TEST(MofExporter, LoadsBackIntoTheSameInstances) {
       ExportJson("root/test", original->GetInstances(), latin1Encoder), "\\u0000", "\xEF\xBF\xBD");
   EXPECT_EQ(ExportJson("root/test", loaded->GetInstances(), sameText), expected);
   EXPECT_TRUE(loaded->GetInstances()[1]->GetProperty("SettingValue", {})->GetValue({}).IsNull());
+}
+
+TEST(MofExporter, AFileItWroteComesOutTheSameAfterLoading) {
+  // Also a seed of the MOF fuzz target.
+  std::ifstream file(VRX_MOF_FIXTURES "/instances.mof", std::ios::binary);
+  std::ostringstream fixture;
+  fixture << file.rdbuf();
+  auto ns = makeTestNamespace();
+  LoadMof(*ns, mof::parseMof(fixture.str(), "instances.mof"));
+  EXPECT_EQ(ExportMof("root/test", ns->GetInstances(), sameText), fixture.str());
 }
 
 }  // namespace
