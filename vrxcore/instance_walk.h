@@ -1,5 +1,4 @@
-// What every exporter reads from committed instances, and the exporters by
-// the name users give them (--format).
+// What every exporter reads from committed instances.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -15,13 +14,6 @@ namespace NZARVEK20 {
 using TTextEncoder = std::function<std::string(const std::string&)>;
 
 using TInstances = std::vector<boost::shared_ptr<ICIMInstance>>;
-
-// Writes `instances` of the namespace, in the order given, as one document.
-using TExporter = std::string (*)(const std::string& namespaceName, const TInstances& instances,
-                                  const TTextEncoder& toUtf8);
-
-// "json", "xml", "mof" or "table"; null for any other name.
-TExporter FindExporter(const std::string& format);
 
 // Every property the class declares, set or not, in the class's order.
 std::vector<boost::shared_ptr<ICIMProperty>> PropertiesOf(ICIMInstance& instance);

@@ -143,9 +143,10 @@ class TSectionWriter {
     std::vector<unsigned> widths(columns_.size(), 0);
     for (const auto& line : lines)
       for (size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], line[i].width);
-    WriteLine(lines[0], widths);
-    WriteRule(widths);
-    for (size_t i = 1; i < lines.size(); ++i) WriteLine(lines[i], widths);
+    std::vector<TCell> rule;
+    for (const unsigned width : widths) rule.push_back({std::string(width, '-'), width});
+    lines.insert(lines.begin() + 1, rule);
+    for (const auto& line : lines) WriteLine(line, widths);
   }
 
   void WriteLine(const std::vector<TCell>& cells, const std::vector<unsigned>& widths) {
@@ -154,13 +155,6 @@ class TSectionWriter {
       line += " " + cells[i].text;
       line.append(widths[i] - cells[i].width + 1, ' ');
     }
-    line.erase(line.find_last_not_of(' ') + 1);
-    out_ += line + "\n";
-  }
-
-  void WriteRule(const std::vector<unsigned>& widths) {
-    std::string line = " ";
-    for (const unsigned width : widths) line += " " + std::string(width, '-') + " ";
     line.erase(line.find_last_not_of(' ') + 1);
     out_ += line + "\n";
   }

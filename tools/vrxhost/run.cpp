@@ -12,7 +12,7 @@
 #include "tools/vrxhost/output.h"
 #include "tools/vrxhost/platform.h"
 #include "vrxcore/core_logger.h"
-#include "vrxcore/instance_walk.h"
+#include "vrxcore/exporters.h"
 #include "vrxcore/mof_loader.h"
 
 namespace vrxhost {
