@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs vrxhost.exe under Wine in a throwaway prefix and checks the computer
-# system instance and the plug-in's lifecycle lines in the log.
+# system instance and the plug-in's lifecycle lines in the log, and that its
+# CIM-XML validates against the DTD given as the second argument, if any.
 set -euo pipefail
 bin=${1:?folder of the Windows build}
 [ -f "$bin/vrxhost.exe" ] || { echo "no Windows build in $bin"; exit 77; }
@@ -27,4 +28,10 @@ tail -n 1 log.lf | grep -qx $'3\tTInstalledAppsCallbacks::DeInit -De-Initializin
   || fail "DeInit is not the last line"
 grep -q '"class": "QELTO_ComputerSystem"' out.json || fail "no computer system instance"
 grep -q '"CreationClassName": "QELTO_ComputerSystem"' out.json || fail "no CreationClassName"
+wine vrxhost.exe --format xml --output out.xml QELTO_Account QELTO_TimeZone \
+  >stdout.txt 2>stderr.txt || fail "--format xml"
+dtd=${2:-}
+if [ -f "$dtd" ]; then
+  xmllint --noout --dtdvalid "$dtd" out.xml 2>stderr.txt || fail "CIM-XML does not validate"
+fi
 echo "vrxhost.exe ran under Wine"
