@@ -1,6 +1,7 @@
 #include "vrxcore/table_exporter.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <map>
 
 #include "vrxcore/utf8_text.h"
@@ -51,10 +52,34 @@ std::string referenceText(const TCIMReference& path, const TTextEncoder& toUtf8)
   return path.GetInstanceClassName() + "(" + values + ")";
 }
 
+// "2026-11-19 10:31:23 +01:00" for a timestamp, "3d 00:44:07" for an
+// interval: what people read, to the second.
+std::string dateTimeText(const TCIMDateTime& dateTime) {
+  char text[40];
+  if (dateTime.IsInterval()) {
+    std::snprintf(text, sizeof text, "%ud %02u:%02u:%02u", dateTime.GetDay(), dateTime.GetHours(),
+                  dateTime.GetMinutes(), dateTime.GetSeconds());
+  } else {
+    const int offset = dateTime.GetUtcOffset();
+    const unsigned magnitude = static_cast<unsigned>(offset < 0 ? -offset : offset);
+    std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u %c%02u:%02u",
+                  dateTime.GetYear(), dateTime.GetMonth(), dateTime.GetDay(), dateTime.GetHours(),
+                  dateTime.GetMinutes(), dateTime.GetSeconds(), offset < 0 ? '-' : '+',
+                  magnitude / 60, magnitude % 60);
+  }
+  return text;
+}
+
 std::string scalarCellText(const TCIMValue& value, const TTextEncoder& toUtf8) {
-  if (static_cast<ECIMType>(value.GetType()) == CIM_REFERENCE && !value.IsNull())
-    return referenceText(value.GetReference(), toUtf8);
-  return ScalarText(value, toUtf8);
+  if (value.IsNull()) return "";
+  switch (static_cast<ECIMType>(value.GetType())) {
+    case CIM_REFERENCE:
+      return referenceText(value.GetReference(), toUtf8);
+    case CIM_DATETIME:
+      return dateTimeText(value.GetDateTime());
+    default:
+      return ScalarText(value, toUtf8);
+  }
 }
 
 std::string cellText(const TCIMValue& value, const TTextEncoder& toUtf8) {

@@ -13,7 +13,8 @@ namespace NZARVEK20 {
 // and the first few other properties that any row sets. Widths count the
 // terminal columns of UTF-8 text; a cell wider than kMaxCellWidth is cut
 // with an ellipsis; control characters and bytes that are not UTF-8 show
-// as U+FFFD.
+// as U+FFFD. Date-times read "2026-11-19 10:31:23 +01:00" or, for
+// intervals, "3d 00:44:07".
 std::string ExportTable(const std::string& namespaceName, const TInstances& instances,
                         const TTextEncoder& toUtf8);
 

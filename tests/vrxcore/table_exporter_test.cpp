@@ -27,6 +27,10 @@ TEST(TableExporter, OneSectionPerClassWithSharedKeysAboveAlignedRows) {
   commitSystem(*ns, "\xE6\x97\xA5\xE6\x9C\xAC", 22);
   commitSystem(*ns, "e\xCC\x81t\xC3\xA9", 333);
   commitSystem(*ns, std::string(45, 'x'), 4);
+  auto changed = ns->GetClass("T_SystemSetting", {})->AllocateInstance({});
+  changed->SetPropertyValue("SettingID", TCIMValue("TZ"), {});
+  changed->SetPropertyValue("Changed", TCIMValue(TCIMDateTime(2026, 11, 2, 9, 5, 30, 5, -330)), {});
+  changed->Commit({});
   EXPECT_EQ(ExportTable("root/test", ns->GetInstances(), sameText),
             "T_System: 4 instances\n"
             "  CreationClassName = \"\"\n"
@@ -40,7 +44,12 @@ TEST(TableExporter, OneSectionPerClassWithSharedKeysAboveAlignedRows) {
             "T_UserSetting: 1 instance\n"
             "  SettingID  SettingValue\n"
             "  ---------  ------------\n"
-            "  TEMP       C:\\Temp\n");
+            "  TEMP       C:\\Temp\n"
+            "\n"
+            "T_SystemSetting: 1 instance\n"
+            "  SettingID  SettingValue  Changed\n"
+            "  ---------  ------------  --------------------------\n"
+            "  TZ         unset         2026-11-02 09:05:30 -05:30\n");
 }
 
 TEST(TableExporter, ReferencesShowTheirTellingKeysAndTextIsMadeSafe) {
@@ -54,13 +63,13 @@ TEST(TableExporter, ReferencesShowTheirTellingKeysAndTextIsMadeSafe) {
                        "  T_System           WKS<&>  4000000000  false\n"),
             std::string::npos)
       << table;
-  EXPECT_NE(table.find("  SettingID                  Weight  Changed                    Tags\n"),
+  EXPECT_NE(table.find("  SettingID                  Weight  Changed      Tags\n"),
             std::string::npos)
       << table;
   // Controls (tab, line feed, 0x01, NUL) show as U+FFFD; the row stays one line.
   const std::string r = "\xEF\xBF\xBD";
   EXPECT_NE(table.find("  caf\xC3\xA9 \"q\" a\\b" + r + "tab" + r + "line" + r + "|" + r +
-                       "|  7       00000003020100.000000:000  a; b,c\n"),
+                       "|  7       3d 02:01:00  a; b,c\n"),
             std::string::npos);
   EXPECT_NE(table.find("  Element                       Setting\n"
                        "  ----------------------------  ----------------------------------------\n"
