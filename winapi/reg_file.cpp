@@ -380,7 +380,11 @@ std::shared_ptr<Registry> readRegistryFiles(const std::string& directory, unsign
   auto registry = std::make_shared<Registry>();
   fs::path folder = fs::path(directory) / "registry";
   std::error_code error;
-  if (!fs::exists(folder, error)) return registry;
+  // A folder that cannot even be examined (a symlink loop, no search permission) is no absent one.
+  if (!fs::exists(folder, error)) {
+    if (error) throw MachineError(folder.string() + ": cannot read: " + error.message());
+    return registry;
+  }
   if (!fs::is_directory(folder, error)) throw MachineError(folder.string() + ": not a directory");
   for (const fs::path& file : regFiles(folder))
     mergeRegFile(*registry, readFile(file), file.string(), ansiCodePage);
