@@ -223,5 +223,27 @@ TEST_F(ComponentEnumeration, MissingSetupFilesLeaveOnlyWhatCanStillBeFound) {
   }
 }
 
+// INF texts are read into 256 bytes: 255 characters come through whole; a longer component name
+// or tip never writes past the buffer and never shows longer than it. (A section name beyond 255
+// characters makes the whole file unreadable, as SetupAPI has it.)
+TEST_F(ComponentEnumeration, InfTextsBeyondTheirBufferStayWithinIt) {
+  const std::string name(255, 'n'), longName = "m" + std::string(300, 'm');
+  const std::string desc(255, 'd'), longTip(400, 't');
+  const std::string family = "[Version]\nSignature=\"$Windows NT$\"\n\n[Optional Components]\n" +
+                             name + "\n" + longName + "\n\n[" + name + "]\nOptionDesc=\"" + desc +
+                             "\"\nTip=\"" + longTip + "\"\n";
+  OsMachine machine(windowsXp(), "",
+                    {{"drive_c/WINDOWS/inf/sysoc.inf", infText(kBaseFamilyOnly)},
+                     {"drive_c/WINDOWS/inf/base.inf", infText(family)},
+                     {"drive_c/WINDOWS/system32/setup/ocgen.dll", versionedFile("build_comment.dll")}});
+  collect("QELTO_OSComponent");
+  const Names names = values("Name");
+  ASSERT_FALSE(names.empty());
+  EXPECT_EQ(names.front(), name);
+  EXPECT_EQ(values("ProductName").front(), desc);
+  for (const char* property : {"Name", "ProductName", "Tip", "Parent"})
+    for (const std::string& text : values(property)) EXPECT_LT(text.size(), 256u) << property;
+}
+
 }  // namespace
 }  // namespace installedapps_col

@@ -149,6 +149,16 @@ TEST_F(BootConfiguration, MissingStoreObjectsKeepTheirLabels) {
             kSeven + kServer + kBroken);
 }
 
+// An element is read into 8192 bytes: 8191 characters and their end mark fit, one more character
+// makes the read fail and the element's text empty, with nothing written past the end.
+TEST_F(BootConfiguration, ElementsBeyondTheirBufferGiveEmptyText) {
+  const std::string fits(8191, 'f'), tooLong(8192, 't');
+  OsMachine current(windows7(), text(kSeven, "12000004", fits) + text(kServer, "12000004", tooLong));
+  const std::string objects = "BCD00000000\\Objects\\";
+  EXPECT_EQ(OSConfiguration().readBcdElement(objects + kSeven + "\\Elements\\12000004"), fits);
+  EXPECT_EQ(OSConfiguration().readBcdElement(objects + kServer + "\\Elements\\12000004"), "");
+}
+
 TEST_F(BootConfiguration, NeitherFileNorStoreLeavesBothPropertiesOut) {
   OsMachine current(windows7(), text(kBootManager, "12000004", "Windows Boot Manager"));
   EXPECT_TRUE(OSConfiguration().getBootProperties().empty());
