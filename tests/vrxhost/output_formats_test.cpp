@@ -103,7 +103,7 @@ TEST_F(OutputFormats, CodePageTextAndControlsLeaveAsValidUtf8) {
 
   const auto json = nlohmann::json::parse(inventory(machine, "json"));
   const auto odd = std::find_if(json["instances"].begin(), json["instances"].end(),
-                                [](const auto& i) { return i["properties"]["ProductVersion"] == "1.0"; });
+                                [](const auto& i) { return i["properties"].value("ProductVersion", "") == "1.0"; });
   ASSERT_NE(odd, json["instances"].end());
   EXPECT_EQ((*odd)["properties"]["ProductName"], "Odd\x01To");
   EXPECT_EQ((*odd)["properties"]["ProductVendor"], "Caf\xC3\xA9 <&> \"Soci\xC3\xA9t\xC3\xA9\"");
