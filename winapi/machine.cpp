@@ -12,6 +12,7 @@
 #include "winapi/machine_schema.h"
 #include "winapi/module_names.h"
 #include "winapi/reg_file.h"
+#include "winapi/wine_prefix.h"
 
 extern char** environ;
 
@@ -31,8 +32,8 @@ bool hasEntry(const fs::path& dir, const char* name) {
   return fs::exists(dir / name, error);
 }
 
-// Kinds of machine directory, in the order they are tried. Offline Windows volumes
-// (Windows/System32/config/SOFTWARE) and Wine prefixes (system.reg, user.reg) join here.
+// Kinds of machine directory, in the order they are tried: a Wine prefix has a drive_c/ too.
+// Offline Windows volumes (Windows/System32/config/SOFTWARE) join here.
 struct MachineKind {
   bool (*recognises)(const fs::path& dir);
   std::shared_ptr<Machine> (*load)(const fs::path& dir);
@@ -51,6 +52,7 @@ std::shared_ptr<Machine> loadDescribed(const fs::path& dir) {
 }
 
 const MachineKind kKinds[] = {
+    {isWinePrefix, loadWinePrefix},
     {isDescribed, loadDescribed},
 };
 
@@ -113,13 +115,17 @@ std::shared_ptr<Machine> Machine::load(const std::string& dir) {
 }
 
 std::shared_ptr<Machine> Machine::fromDescription(const nlohmann::json& description,
-                                                  const std::string& directory) {
+                                                  const std::string& directory,
+                                                  std::shared_ptr<const Registry> registry) {
   std::shared_ptr<Machine> machine(new Machine);
   machine->directory_ = directory;
   machine->read(description, directory.empty() ? "machine.json"
                                                : (fs::path(directory) / "machine.json").string());
-  machine->registry_ = directory.empty() ? std::make_shared<Registry>()
-                                         : readRegistryFiles(directory, machine->ansiCodePage_);
+  if (registry)
+    machine->registry_ = std::move(registry);
+  else
+    machine->registry_ = directory.empty() ? std::make_shared<Registry>()
+                                           : readRegistryFiles(directory, machine->ansiCodePage_);
   return machine;
 }
 

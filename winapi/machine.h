@@ -62,9 +62,11 @@ class Machine {
   static std::shared_ptr<Machine> load(const std::string& dir);
   // A machine given by the contents of a machine.json, checked as load() checks the file.
   // `directory` may name a directory holding registry/, drive_c/ …; the computer name defaults
-  // to its name, or to "LOCALHOST" without one.
+  // to its name, or to "LOCALHOST" without one. A `registry` given is the machine's instead of
+  // the directory's registry/*.reg.
   static std::shared_ptr<Machine> fromDescription(const nlohmann::json& description,
-                                                  const std::string& directory = "");
+                                                  const std::string& directory = "",
+                                                  std::shared_ptr<const Registry> registry = {});
 
   const std::string& directory() const { return directory_; }
   // machine.json as read (UTF-8 text), for the API areas that read their own members.

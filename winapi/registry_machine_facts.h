@@ -1,0 +1,20 @@
+// A machine's description (the members of machine.json) as far as its registry tells it: computer
+// name, version figures, processor architecture, Windows directory, time zone and the system and
+// user environment. For machines that come as a registry rather than a description.
+#ifndef VRX_WINAPI_REGISTRY_MACHINE_FACTS_H
+#define VRX_WINAPI_REGISTRY_MACHINE_FACTS_H
+
+#include <nlohmann/json.hpp>
+
+#include "winapi/registry_store.h"
+
+namespace winapi {
+
+// Members whose keys or values are missing are left out, so the calls that need them fail as
+// they do on a machine that does not say. Expandable environment values are expanded in the
+// order Windows builds the environment: system variables, then the user's.
+nlohmann::json registryMachineFacts(const Registry& registry);
+
+}  // namespace winapi
+
+#endif
