@@ -4,19 +4,9 @@
 #include <cstdint>
 #include <string_view>
 
+#include "fuzz/registry_values.h"
 #include "winapi/machine.h"
 #include "winapi/reg_file.h"
-
-namespace {
-
-// Walks what was built, so that every key and value made is touched.
-std::size_t countValues(const winapi::RegistryKey& key) {
-  std::size_t count = key.values().size();
-  for (const auto& subKey : key.subKeys()) count += countValues(*subKey);
-  return count;
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   winapi::Registry registry;
