@@ -23,6 +23,8 @@ constexpr std::wstring_view kLinkValue = L"SymbolicLinkValue";
 constexpr std::size_t kMaxKeyName = 255;
 constexpr std::size_t kMaxValueName = 16383;
 constexpr std::size_t kMaxDepth = 512;
+// Links that copy links could otherwise multiply a small file into any size.
+constexpr std::size_t kMaxLinkedEntries = 1 << 20;
 
 int hexDigit(wchar_t c) {
   if (c >= L'0' && c <= L'9') return c - L'0';
@@ -75,11 +77,6 @@ bool startsWithPath(const RegistryPath& path, const RegistryPath& prefix) {
                     [](const std::wstring& a, const std::wstring& b) {
                       return compareIgnoringCase(a, b) == 0;
                     });
-}
-
-void copyInto(const RegistryKey& from, RegistryKey& to) {
-  for (const RegistryValue& value : from.values()) to.setValue(value);
-  for (const auto& subKey : from.subKeys()) copyInto(*subKey, to.makeSubKey(subKey->name()));
 }
 
 // One line as Wine reads it, with the number of its first line in the file.
@@ -313,8 +310,21 @@ class Parser {
       const RegistryKey* from = root_.find(*path);
       if (!from || startsWithPath(*path, link.path) || startsWithPath(link.path, *path)) continue;
       key->removeValue(kLinkValue);
-      copyInto(*from, *key);
+      copyInto(*from, *key, link.path.size(), link.line);
     }
+  }
+
+  void copyInto(const RegistryKey& from, RegistryKey& to, std::size_t depth, std::size_t line) {
+    linkedEntries_ += from.values().size() + from.subKeys().size();
+    if (linkedEntries_ > kMaxLinkedEntries)
+      throw MachineError(file_ + ":" + std::to_string(line) +
+                         ": links copy more than 1048576 keys and values");
+    if (depth >= kMaxDepth && !from.subKeys().empty())
+      throw MachineError(file_ + ":" + std::to_string(line) +
+                         ": the link makes more than 512 levels of keys");
+    for (const RegistryValue& value : from.values()) to.setValue(value);
+    for (const auto& subKey : from.subKeys())
+      copyInto(*subKey, to.makeSubKey(subKey->name()), depth + 1, line);
   }
 
   [[noreturn]] void fail(const Line& line, const std::string& problem) const {
@@ -330,6 +340,7 @@ class Parser {
   RegistryKey* key_ = nullptr;  // where values go
   RegistryPath keyPath_;
   std::vector<Link> links_;
+  std::size_t linkedEntries_ = 0;
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 
@@ -38,6 +39,18 @@ std::string errorOf(const std::string& bytes) {
     return error.what();
   }
   return "";
+}
+
+// A key K<index>\\<name> linking to K<target>.
+std::string linkTo(int index, const std::string& name, int target) {
+  std::string hex;
+  for (char c : "\\REGISTRY\\MACHINE\\K" + std::to_string(target)) {
+    char byte[8];
+    std::snprintf(byte, sizeof byte, "%s%02x,00", hex.empty() ? "" : ",", c);
+    hex += byte;
+  }
+  return "[K" + std::to_string(index) + "\\\\" + name + "] 1\n#link\n\"SymbolicLinkValue\"=hex(6):" +
+         hex + "\n";
 }
 
 const std::string kHeader = "WINE REGISTRY Version 2\n;; All keys relative to REGISTRY\\\\Machine\n";
@@ -127,6 +140,20 @@ TEST(WineRegFile, LinkReadsAsItsTarget) {
             L"WKS-7");
   EXPECT_NE(linked.root(Hive::LocalMachine).find({L"System", L"Loop"})->value(L"SymbolicLinkValue"),
             nullptr);
+}
+
+TEST(WineRegFile, LinksCannotMultiplyTheFile) {
+  // Two links to the level below on each level would double the keys at every level.
+  std::string doubling = kHeader + "[K0] 1\n\"v\"=\"x\"\n";
+  for (int level = 1; level <= 22; ++level)
+    doubling += linkTo(level, "a", level - 1) + linkTo(level, "b", level - 1);
+  EXPECT_NE(errorOf(doubling).find(": links copy more than 1048576 keys and values"),
+            std::string::npos);
+  // A chain of links, each into the one before, would nest keys deeper than Windows allows.
+  std::string chain = kHeader + "[K0] 1\n";
+  for (int level = 1; level <= 520; ++level) chain += linkTo(level, "l", level - 1);
+  EXPECT_NE(errorOf(chain).find(": the link makes more than 512 levels of keys"),
+            std::string::npos);
 }
 
 TEST(WineRegFile, ErrorsNameTheLine) {
