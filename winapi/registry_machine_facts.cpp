@@ -144,6 +144,27 @@ void addTimeZone(const RegistryKey& machine, nlohmann::json& facts) {
                        {"daylightDate", transition(rules->data, 28)}};
 }
 
+// The folders Windows names in every process's environment, from where it keeps them.
+void addFolders(const RegistryKey& machine, nlohmann::json& environment) {
+  const RegistryPath currentVersion{L"SOFTWARE", L"Microsoft", L"Windows", L"CurrentVersion"};
+  const RegistryPath profileList = below(kCurrentVersion, {L"ProfileList"});
+  struct Folder {
+    const char* variable;
+    const RegistryPath& key;
+    const wchar_t* value;
+  };
+  const Folder kFolders[] = {{"ProgramFiles", currentVersion, L"ProgramFilesDir"},
+                             {"ProgramFiles(x86)", currentVersion, L"ProgramFilesDir (x86)"},
+                             {"CommonProgramFiles", currentVersion, L"CommonFilesDir"},
+                             {"CommonProgramFiles(x86)", currentVersion, L"CommonFilesDir (x86)"},
+                             {"ProgramData", profileList, L"ProgramData"},
+                             {"ALLUSERSPROFILE", profileList, L"ProgramData"},
+                             {"PUBLIC", profileList, L"Public"}};
+  for (const Folder& folder : kFolders)
+    if (auto path = text(machine, folder.key, folder.value))
+      environment[folder.variable] = expand(*path, environment);
+}
+
 }  // namespace
 
 nlohmann::json registryMachineFacts(const Registry& registry) {
@@ -162,6 +183,7 @@ nlohmann::json registryMachineFacts(const Registry& registry) {
     environment["SystemDrive"] = root->substr(0, 2);
   }
   if (facts.contains("computerName")) environment["COMPUTERNAME"] = facts["computerName"];
+  addFolders(machine, environment);
   addVariables(machine.find(below(kControl, {L"Session Manager", L"Environment"})), environment);
   addVariables(registry.root(Hive::CurrentUser).subKey(L"Environment"), environment);
   facts["environment"] = environment;

@@ -61,6 +61,8 @@ void addUser(const Registry& registry, nlohmann::json& facts) {
   nlohmann::json& environment = facts["environment"];
   environment["USERNAME"] = name;
   environment["USERPROFILE"] = profile;
+  // Wine's user is a local account, whose domain is the computer.
+  if (facts.contains("computerName")) environment["USERDOMAIN"] = facts["computerName"];
 }
 
 }  // namespace

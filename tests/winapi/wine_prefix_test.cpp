@@ -52,6 +52,9 @@ TEST(WinePrefix, DescriptionComesFromItsRegistry) {
   EXPECT_EQ(variable(*machine, "TEMP"), "C:\\users\\root\\Temp");
   EXPECT_EQ(variable(*machine, "USERNAME"), "alice");
   EXPECT_EQ(variable(*machine, "USERPROFILE"), "C:\\users\\alice");
+  EXPECT_EQ(variable(*machine, "USERDOMAIN"), "VM");
+  EXPECT_EQ(variable(*machine, "ProgramFiles"), "C:\\Program Files");
+  EXPECT_EQ(variable(*machine, "ALLUSERSPROFILE"), "C:\\ProgramData");
 
   ASSERT_TRUE(machine->timeZone());
   const TimeZone& zone = *machine->timeZone();

@@ -45,7 +45,7 @@ wine regedit /S "$work/apps.reg"
 cp "$bin"/*.exe "$bin"/*.dll "$bin"/qelto.mof "$work/"
 cd "$work"
 classes=(QELTO_InstalledApplication QELTO_SystemEnvironmentVariable QELTO_UserEnvironmentVariable
-         QELTO_OperatingSystem)
+         QELTO_OperatingSystem QELTO_TimeZone QELTO_Account)
 wine vrxhost.exe --output wine.json "${classes[@]}" >stdout.txt 2>stderr.txt \
   || { echo "FAIL: vrxhost.exe"; cat stderr.txt; exit 1; }
 # The registry files on disk are written when the server exits.
@@ -53,10 +53,11 @@ wineserver -w
 "$vrxhost" --machine "$WINEPREFIX" --output linux.json "${classes[@]}" 2>stderr.txt \
   || { echo "FAIL: vrxhost --machine"; cat stderr.txt; exit 1; }
 
-# One class's instances by path; for the operating system only what its registry says (the
-# rest are live figures a prefix does not keep).
+# One class's instances by path; for the operating system and the zone only what the registry
+# says (the rest are live figures and clocks a prefix does not keep).
 registryFacts='def facts: if .class == "QELTO_OperatingSystem"
   then .properties |= {Version, BuildID, ProductName, ProductID, FixLevel, InstallDate, OSType}
+  elif .class == "QELTO_TimeZone" then .properties |= {TheTimeZone, DaylightSaving}
   else . end;'
 failed=0
 for class in "${classes[@]}"; do
