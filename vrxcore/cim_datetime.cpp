@@ -62,7 +62,8 @@ void TCIMDateTime::Set(unsigned short year, unsigned short month, unsigned int d
                        unsigned int microseconds, short utcOffsetMinutes) {
   if (year > 9999) invalid("year out of range");
   if (month < 1 || month > 12) invalid("month out of range");
-  if (day < 1 || day > 31) invalid("day out of range");
+  // Parts must name a day that exists, as the text form must: 30 February never prints.
+  if (day < 1 || day > daysInMonth(year, month)) invalid("day out of range for its month");
   checkTime(hours, minutes, seconds, microseconds);
   if (utcOffsetMinutes < -999 || utcOffsetMinutes > 999) invalid("UTC offset out of range");
   kind_ = Kind::Timestamp;
@@ -91,8 +92,6 @@ TCIMDateTime::TCIMDateTime(const std::string& text) : kind_(Kind::Null) {
   const unsigned int year = digitsAt(text, 0, 4), month = digitsAt(text, 4, 2),
                      day = digitsAt(text, 6, 2);
   const int offset = static_cast<int>(digitsAt(text, 22, 3));
-  if (month >= 1 && month <= 12 && day > daysInMonth(year, month))
-    invalid("day beyond the end of the month: " + text);
   Set(year, month, day, digitsAt(text, 8, 2), digitsAt(text, 10, 2), digitsAt(text, 12, 2), micro,
       static_cast<short>(sign == '-' ? -offset : offset));
 }

@@ -58,11 +58,14 @@ TEST_F(WithPacificZone, TextThatIsNoDate) {
   EXPECT_TRUE(log.lines().empty());
   EXPECT_EQ(parse(""), "");
   EXPECT_EQ(parse("2010-01-31"), "");  // year first reads as month 2010
+  EXPECT_EQ(parse("2/30/2009"), "");   // no such day
   EXPECT_EQ(log.lines(),
             (Lines{{4, "InstalledAppInfo::geNZARVEK20::TCIMValueForProperty Date time information "
                        "was generated incorrectly."},
                    {3, "InstalledAppInfo::geNZARVEK20::TCIMValueForProperty Encountered an unknown "
-                       "date time format -> 2010-01-31"}}));
+                       "date time format -> 2010-01-31"},
+                   {3, "InstalledAppInfo::geNZARVEK20::TCIMValueForProperty Encountered an unknown "
+                       "date time format -> 2/30/2009"}}));
 }
 
 TEST_F(WithPacificZone, SecondsAndIntervals) {

@@ -111,6 +111,8 @@ TEST(CIMDateTime, PartsAreValidated) {
   EXPECT_EQ(codeOf([] { TCIMDateTime(2026, 13, 1, 0, 0, 0, 0, 0); }), VRX_INVALID_DATETIME);
   EXPECT_EQ(codeOf([] { TCIMDateTime(2026, 0, 1, 0, 0, 0, 0, 0); }), VRX_INVALID_DATETIME);
   EXPECT_EQ(codeOf([] { TCIMDateTime(2026, 1, 32, 0, 0, 0, 0, 0); }), VRX_INVALID_DATETIME);
+  EXPECT_EQ(codeOf([] { TCIMDateTime(2026, 2, 29, 0, 0, 0, 0, 0); }), VRX_INVALID_DATETIME);
+  EXPECT_EQ(TCIMDateTime(2024, 2, 29, 0, 0, 0, 0, 0).ToString(), "20240229000000.000000+000");
   EXPECT_EQ(codeOf([] { TCIMDateTime(2026, 1, 1, 24, 0, 0, 0, 0); }), VRX_INVALID_DATETIME);
   EXPECT_EQ(codeOf([] { TCIMDateTime(2026, 1, 1, 0, 60, 0, 0, 0); }), VRX_INVALID_DATETIME);
   EXPECT_EQ(codeOf([] { TCIMDateTime(2026, 1, 1, 0, 0, 60, 0, 0); }), VRX_INVALID_DATETIME);
