@@ -61,8 +61,9 @@ std::string expand(const std::string& text, const nlohmann::json& environment) {
     if (close == std::string::npos) break;
     result.append(text, at, open - at);
     std::string name = text.substr(open + 1, close - open - 1);
-    auto found = std::find_if(environment.items().begin(), environment.items().end(),
-                              [&](const auto& item) { return equalsIgnoringCase(item.key(), name); });
+    auto found =
+        std::find_if(environment.items().begin(), environment.items().end(),
+                     [&](const auto& item) { return equalsIgnoringCase(item.key(), name); });
     if (found != environment.items().end()) {
       result += found.value().template get<std::string>();
       at = close + 1;
@@ -87,10 +88,12 @@ void addVersion(const RegistryKey& machine, nlohmann::json& facts) {
   auto build = text(machine, kCurrentVersion, L"CurrentBuildNumber");
   unsigned major = 0, minor = 0;
   if (!number || !build || std::sscanf(number->c_str(), "%u.%u", &major, &minor) != 2) return;
-  nlohmann::json version{{"major", major}, {"minor", minor},
-                         {"build", std::strtoul(build->c_str(), nullptr, 10)},
-                         {"platformId", VER_PLATFORM_WIN32_NT},
-                         {"csdVersion", text(machine, kCurrentVersion, L"CSDVersion").value_or("")}};
+  nlohmann::json version{
+      {"major", major},
+      {"minor", minor},
+      {"build", std::strtoul(build->c_str(), nullptr, 10)},
+      {"platformId", VER_PLATFORM_WIN32_NT},
+      {"csdVersion", text(machine, kCurrentVersion, L"CSDVersion").value_or("")}};
   auto product = text(machine, below(kControl, {L"ProductOptions"}), L"ProductType");
   if (product)
     version["productType"] = equalsIgnoringCase(*product, "WinNT")      ? VER_NT_WORKSTATION
@@ -107,17 +110,19 @@ void addSystem(const RegistryKey& machine, nlohmann::json& facts) {
   }
   auto architecture = text(machine, below(kControl, {L"Session Manager", L"Environment"}),
                            L"PROCESSOR_ARCHITECTURE");
-  const std::pair<const char*, int> kArchitectures[] = {
-      {"x86", PROCESSOR_ARCHITECTURE_INTEL}, {"AMD64", PROCESSOR_ARCHITECTURE_AMD64},
-      {"ARM64", 12}, {"IA64", 6}};
+  const std::pair<const char*, int> kArchitectures[] = {{"x86", PROCESSOR_ARCHITECTURE_INTEL},
+                                                        {"AMD64", PROCESSOR_ARCHITECTURE_AMD64},
+                                                        {"ARM64", 12},
+                                                        {"IA64", 6}};
   for (auto [name, code] : kArchitectures)
-    if (architecture && equalsIgnoringCase(*architecture, name)) system["processorArchitecture"] = code;
+    if (architecture && equalsIgnoringCase(*architecture, name))
+      system["processorArchitecture"] = code;
   if (!system.empty()) facts["system"] = system;
 }
 
 nlohmann::json transition(const std::string& data, std::size_t at) {
-  const char* fields[] = {"year", "month", "dayOfWeek", "day", "hour", "minute", "second",
-                          "milliseconds"};
+  const char* fields[] = {"year", "month",  "dayOfWeek", "day",
+                          "hour", "minute", "second",    "milliseconds"};
   nlohmann::json rule = nlohmann::json::object();
   for (std::size_t i = 0; i < 8; ++i) rule[fields[i]] = littleEndian(data, at + 2 * i, 2);
   return rule;
@@ -170,8 +175,8 @@ void addFolders(const RegistryKey& machine, nlohmann::json& environment) {
 nlohmann::json registryMachineFacts(const Registry& registry) {
   const RegistryKey& machine = registry.root(Hive::LocalMachine);
   nlohmann::json facts = nlohmann::json::object();
-  if (auto name = text(machine, below(kControl, {L"ComputerName", L"ComputerName"}),
-                       L"ComputerName"))
+  if (auto name =
+          text(machine, below(kControl, {L"ComputerName", L"ComputerName"}), L"ComputerName"))
     facts["computerName"] = *name;
   addVersion(machine, facts);
   addSystem(machine, facts);

@@ -38,8 +38,8 @@ std::optional<std::uint32_t> number(std::wstring_view text, std::size_t& at, std
                                     int base) {
   std::size_t start = at;
   std::uint32_t value = 0;
-  for (int digit; at < text.size() && at - start < most &&
-                  (digit = hexDigit(text[at])) >= 0 && digit < base;
+  for (int digit;
+       at < text.size() && at - start < most && (digit = hexDigit(text[at])) >= 0 && digit < base;
        ++at)
     value = value * static_cast<std::uint32_t>(base) + static_cast<std::uint32_t>(digit);
   if (at == start) return std::nullopt;
@@ -48,8 +48,8 @@ std::optional<std::uint32_t> number(std::wstring_view text, std::size_t& at, std
 
 // Escapes give UTF-16 code units one by one; a pair of them is one character here.
 std::wstring joinSurrogates(const std::wstring& units) {
-  bool any = std::any_of(units.begin(), units.end(),
-                         [](wchar_t c) { return c >= 0xD800 && c <= 0xDFFF; });
+  bool any =
+      std::any_of(units.begin(), units.end(), [](wchar_t c) { return c >= 0xD800 && c <= 0xDFFF; });
   return any ? fromUtf16Bytes(utf16Bytes(units)) : units;
 }
 
@@ -165,9 +165,9 @@ class Parser {
     std::wstring name = unescape(line, ++at, L']');
     std::size_t end = std::min(line.text.find_first_not_of(kRegBlanks, at), line.text.size());
     std::size_t digits = end;
-    if (end < line.text.size() && (!number(line.text, digits, 20, 10) ||
-                                   line.text.find_first_not_of(kRegBlanks, digits) !=
-                                       std::wstring::npos))
+    if (end < line.text.size() &&
+        (!number(line.text, digits, 20, 10) ||
+         line.text.find_first_not_of(kRegBlanks, digits) != std::wstring::npos))
       fail(line, "expected only a time stamp after the key");
     auto path = splitPath(name);
     if (!path) fail(line, "empty key name");
@@ -235,17 +235,19 @@ class Parser {
     return {L"", type, utf16Bytes(text) + std::string(2, '\0')};
   }
 
+  // Comma-separated bytes, one or two hex digits each.
   RegistryValue hexList(const Line& line, std::size_t at, std::uint32_t type) {
     std::wstring_view text = line.text;
     std::string bytes;
     while (at < text.size() && kRegBlanks.find(text[at]) == std::wstring_view::npos) {
+      std::string place = "hex byte " + std::to_string(bytes.size() + 1);
       auto byte = number(text, at, 2, 16);
-      if (!byte) fail(line, "expected a hex byte, 00 to ff, at byte " + std::to_string(bytes.size() + 1));
+      if (!byte) fail(line, "expected a hex byte, 00 to ff, at " + place);
       bytes.push_back(static_cast<char>(*byte));
       if (at < text.size() && text[at] == L',')
         ++at;
-      else
-        break;
+      else if (at < text.size() && kRegBlanks.find(text[at]) == std::wstring_view::npos)
+        fail(line, "expected ',' after " + place);
     }
     expectEnd(line, at);
     return {L"", type, std::move(bytes)};

@@ -75,6 +75,21 @@ TEST(WinePrefix, DescriptionComesFromItsRegistry) {
   EXPECT_TRUE(machine->hostPath("C:\\Windows"));
 }
 
+TEST(WinePrefix, RegistryWithoutTheKeysSaysNothing) {
+  TempDirectory dir;
+  const std::string empty = "WINE REGISTRY Version 2\n";
+  dir.write("system.reg", empty);
+  dir.write("user.reg", empty);
+  dir.makeDirectory("drive_c");
+  auto machine = Machine::load(dir.path());
+  const nlohmann::json& description = machine->description();
+  for (const char* member : {"computerName", "userName", "version", "system", "timeZone"})
+    EXPECT_FALSE(description.contains(member)) << member;
+  EXPECT_FALSE(machine->timeZone());
+  EXPECT_EQ(variable(*machine, "SystemRoot"), "<none>");
+  EXPECT_EQ(machine->windowsDirectory(), "C:\\Windows");
+}
+
 TEST(WinePrefix, BadRegistryFileIsNamedWithItsLine) {
   TempDirectory dir;
   makePrefix(dir, "WINE REGISTRY Version 2\n\n[Environment] 1\n\"TEMP\"=dword:zz\n");

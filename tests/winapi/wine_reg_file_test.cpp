@@ -49,18 +49,20 @@ std::string linkTo(int index, const std::string& name, int target) {
     std::snprintf(byte, sizeof byte, "%s%02x,00", hex.empty() ? "" : ",", c);
     hex += byte;
   }
-  return "[K" + std::to_string(index) + "\\\\" + name + "] 1\n#link\n\"SymbolicLinkValue\"=hex(6):" +
-         hex + "\n";
+  return "[K" + std::to_string(index) + "\\\\" + name +
+         "] 1\n#link\n\"SymbolicLinkValue\"=hex(6):" + hex + "\n";
 }
 
-const std::string kHeader = "WINE REGISTRY Version 2\n;; All keys relative to REGISTRY\\\\Machine\n";
+const std::string kHeader =
+    "WINE REGISTRY Version 2\n;; All keys relative to REGISTRY\\\\Machine\n";
 
 TEST(WineRegFile, TypesEscapesAndContinuedLines) {
   Registry registry;
   mergeWineRegFile(registry, Hive::LocalMachine, fixture("system.reg"), "system.reg");
   mergeWineRegFile(registry, Hive::CurrentUser, fixture("user.reg"), "user.reg");
   RegistryPath version{L"Software", L"Microsoft", L"Windows NT", L"CurrentVersion"};
-  const RegistryValue& build = valueAt(registry, Hive::LocalMachine, version, L"CurrentBuildNumber");
+  const RegistryValue& build =
+      valueAt(registry, Hive::LocalMachine, version, L"CurrentBuildNumber");
   EXPECT_EQ(build.type, static_cast<std::uint32_t>(REG_SZ));
   EXPECT_EQ(text(build), L"7601");
   // A hex list wrapped over two lines loses no byte at the join.
@@ -78,11 +80,10 @@ TEST(WineRegFile, TypesEscapesAndContinuedLines) {
   const RegistryValue& comSpec = valueAt(registry, Hive::LocalMachine, environment, L"ComSpec");
   EXPECT_EQ(comSpec.type, static_cast<std::uint32_t>(REG_EXPAND_SZ));
   EXPECT_EQ(text(comSpec), L"%SystemRoot%\\system32\\cmd.exe");
-  const RegistryValue& multi =
-      valueAt(registry, Hive::LocalMachine,
-              {L"Software", L"Microsoft", L"Windows NT", L"CurrentVersion", L"FontLink",
-               L"SystemLink"},
-              L"Meiryo");
+  const RegistryValue& multi = valueAt(
+      registry, Hive::LocalMachine,
+      {L"Software", L"Microsoft", L"Windows NT", L"CurrentVersion", L"FontLink", L"SystemLink"},
+      L"Meiryo");
   EXPECT_EQ(multi.type, static_cast<std::uint32_t>(REG_MULTI_SZ));
   EXPECT_EQ(fromUtf16Bytes(multi.data),
             std::wstring(L"SEGOEUI.TTF,Segoe UI\0MSGOTHIC.TTC,MS UI Gothic\0\0", 48));
@@ -91,27 +92,26 @@ TEST(WineRegFile, TypesEscapesAndContinuedLines) {
 
   // user.reg has CRLF line ends, control escapes, \x of one to four digits, octal, UTF-8.
   RegistryPath userEnvironment{L"Environment"};
-  EXPECT_EQ(text(valueAt(registry, Hive::CurrentUser, userEnvironment, L"Tab")),
-            L"a\tb\nc\"d\\e");
+  EXPECT_EQ(text(valueAt(registry, Hive::CurrentUser, userEnvironment, L"Tab")), L"a\tb\nc\"d\\e");
   EXPECT_EQ(text(valueAt(registry, Hive::CurrentUser, userEnvironment, L"Caf\u00e9")),
             L"Z\u00fcrich");
-  EXPECT_EQ(text(valueAt(registry, Hive::CurrentUser, userEnvironment, L"Short")),
-            L"\u41bcA");
+  EXPECT_EQ(text(valueAt(registry, Hive::CurrentUser, userEnvironment, L"Short")), L"\u41bcA");
   // Escaped surrogate pairs are one character each.
   const RegistryKey* international =
       registry.root(Hive::CurrentUser).find({L"Control Panel", L"International"});
   ASSERT_NE(international, nullptr);
   ASSERT_EQ(international->subKeys().size(), 1u);
   EXPECT_EQ(international->subKeys()[0]->name(), L"\U0001F30E\U0001F30F");
-  EXPECT_EQ(text(valueAt(registry, Hive::CurrentUser, {L"Software", L"Wine"}, L"Version")), L"win7");
+  EXPECT_EQ(text(valueAt(registry, Hive::CurrentUser, {L"Software", L"Wine"}, L"Version")),
+            L"win7");
 }
 
 TEST(WineRegFile, LinkReadsAsItsTarget) {
   Registry registry;
   mergeWineRegFile(registry, Hive::LocalMachine, fixture("system.reg"), "system.reg");
-  const RegistryKey* link = registry.root(Hive::LocalMachine)
-                                .find({L"Software", L"Microsoft", L"Windows", L"CurrentVersion",
-                                       L"Time Zones"});
+  const RegistryKey* link =
+      registry.root(Hive::LocalMachine)
+          .find({L"Software", L"Microsoft", L"Windows", L"CurrentVersion", L"Time Zones"});
   ASSERT_NE(link, nullptr);
   EXPECT_EQ(link->value(L"SymbolicLinkValue"), nullptr);
   const RegistryKey* zone = link->subKey(L"pacific standard time");
@@ -120,8 +120,7 @@ TEST(WineRegFile, LinkReadsAsItsTarget) {
 
   // A CurrentControlSet that links to ControlSet001, written before its target.
   std::string controlSet =
-      kHeader +
-      "[System\\\\CurrentControlSet] 1\n#link\n\"SymbolicLinkValue\"=hex(6):" +
+      kHeader + "[System\\\\CurrentControlSet] 1\n#link\n\"SymbolicLinkValue\"=hex(6):" +
       "5c,00,52,00,45,00,47,00,49,00,53,00,54,00,52,00,59,00,5c,00,4d,00,41,00,43,00,48,00,49,00,"
       "4e,00,45,00,5c,00,53,00,79,00,73,00,74,00,65,00,6d,00,5c,00,43,00,6f,00,6e,00,74,00,72,"
       "00,6f,00,6c,00,53,00,65,00,74,00,30,00,30,00,31,00\n"
@@ -133,11 +132,11 @@ TEST(WineRegFile, LinkReadsAsItsTarget) {
       "00,73,00,74,00,65,00,6d,00\n";
   Registry linked;
   mergeWineRegFile(linked, Hive::LocalMachine, controlSet, "system.reg");
-  EXPECT_EQ(text(valueAt(linked, Hive::LocalMachine,
-                         {L"System", L"CurrentControlSet", L"Control", L"ComputerName",
-                          L"ComputerName"},
-                         L"ComputerName")),
-            L"WKS-7");
+  EXPECT_EQ(
+      text(valueAt(linked, Hive::LocalMachine,
+                   {L"System", L"CurrentControlSet", L"Control", L"ComputerName", L"ComputerName"},
+                   L"ComputerName")),
+      L"WKS-7");
   EXPECT_NE(linked.root(Hive::LocalMachine).find({L"System", L"Loop"})->value(L"SymbolicLinkValue"),
             nullptr);
 }
@@ -159,23 +158,30 @@ TEST(WineRegFile, LinksCannotMultiplyTheFile) {
 TEST(WineRegFile, ErrorsNameTheLine) {
   EXPECT_EQ(errorOf("REGEDIT4\n"),
             "system.reg:1: expected \"WINE REGISTRY Version 2\" as the first line");
-  EXPECT_EQ(errorOf(kHeader + "\"a\"=\"b\"\n"), "system.reg:3: a value needs a [key] line before it");
+  EXPECT_EQ(errorOf(kHeader + "\"a\"=\"b\"\n"),
+            "system.reg:3: a value needs a [key] line before it");
   EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=\"b\n"), "system.reg:4: missing the closing '\"'");
   EXPECT_EQ(errorOf(kHeader + "[A\\\\B 1\n"), "system.reg:3: missing the closing ']'");
   EXPECT_EQ(errorOf(kHeader + "[A\\\\\\\\B] 1\n"), "system.reg:3: empty key name");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1 x\n"), "system.reg:3: expected only a time stamp after the key");
+  EXPECT_EQ(errorOf(kHeader + "[A] 1 x\n"),
+            "system.reg:3: expected only a time stamp after the key");
   EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=dword:\n"),
             "system.reg:4: expected 1 to 8 hex digits after dword:");
   EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=dword:123456789\n"),
             "system.reg:4: unexpected text after the value");
   // The line of a wrapped value is the one it starts on.
   EXPECT_EQ(errorOf(kHeader + "[A] 1\n\n\"a\"=hex:00,01,\\\n  02,zz\n"),
-            "system.reg:5: expected a hex byte, 00 to ff, at byte 4");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=hex(7:00\n"), "system.reg:4: expected a hex type number and ')'");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=str(2)\"x\"\n"), "system.reg:4: expected ':' after str(type)");
+            "system.reg:5: expected a hex byte, 00 to ff, at hex byte 4");
+  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=hex:00,1g\n"),
+            "system.reg:4: expected ',' after hex byte 2");
+  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=hex(7:00\n"),
+            "system.reg:4: expected a hex type number and ')'");
+  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=str(2)\"x\"\n"),
+            "system.reg:4: expected ':' after str(type)");
   EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=0\n"),
             "system.reg:4: expected \"text\", str(type):, dword:, hex: or hex(type): after '='");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\" = \"b\"\n"), "system.reg:4: expected '=' after the value name");
+  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\" = \"b\"\n"),
+            "system.reg:4: expected '=' after the value name");
   EXPECT_EQ(errorOf(kHeader + "[A] 1\nstray\n"),
             "system.reg:4: expected [key], \"name\"=, @=, #option or a ; comment");
   EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"\xc3\x28\"=\"b\"\n"), "system.reg:4: not UTF-8 text");
