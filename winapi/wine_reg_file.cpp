@@ -53,9 +53,10 @@ std::wstring joinSurrogates(const std::wstring& units) {
   return any ? fromUtf16Bytes(utf16Bytes(units)) : units;
 }
 
-std::string twoOrFour(std::uint32_t value, int bytes) {
+// REG_DWORD data: little-endian.
+std::string dwordBytes(std::uint32_t value) {
   std::string data;
-  for (int i = 0; i < bytes; ++i) data.push_back(static_cast<char>(value >> (8 * i)));
+  for (int shift = 0; shift < 32; shift += 8) data.push_back(static_cast<char>(value >> shift));
   return data;
 }
 
@@ -207,7 +208,7 @@ class Parser {
       auto value = number(text, at += 6, 8, 16);
       if (!value) fail(line, "expected 1 to 8 hex digits after dword:");
       expectEnd(line, at);
-      return {L"", REG_DWORD, twoOrFour(*value, 4)};
+      return {L"", REG_DWORD, dwordBytes(*value)};
     }
     if (text.compare(at, 4, L"hex:") == 0) return hexList(line, at + 4, REG_BINARY);
     if (text.compare(at, 4, L"hex(") == 0) {
