@@ -5,14 +5,7 @@
 set -euo pipefail
 bin=${1:?folder of the Windows build}
 vrxhost=${2:?the Linux vrxhost}
-[ -f "$bin/vrxhost.exe" ] || { echo "no Windows build in $bin"; exit 77; }
-command -v wine >/dev/null || { echo "wine is not installed"; exit 77; }
-
-work=$(mktemp -d)
-export WINEPREFIX="$work/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
-unset TZ DISPLAY
-trap 'wineserver -k 2>/dev/null || true; rm -rf "$work"' EXIT
-wineboot -i >/dev/null 2>&1
+source "$(dirname "${BASH_SOURCE[0]}")/throwaway_prefix.sh"
 
 # regedit reads UTF-16LE with a byte-order mark without widening hex strings twice.
 { printf '\xff\xfe'; iconv -f UTF-8 -t UTF-16LE <<'REG'

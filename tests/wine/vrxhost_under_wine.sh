@@ -4,14 +4,7 @@
 # CIM-XML validates against the DTD given as the second argument, if any.
 set -euo pipefail
 bin=${1:?folder of the Windows build}
-[ -f "$bin/vrxhost.exe" ] || { echo "no Windows build in $bin"; exit 77; }
-command -v wine >/dev/null || { echo "wine is not installed"; exit 77; }
-
-work=$(mktemp -d)
-export WINEPREFIX="$work/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
-unset TZ DISPLAY
-trap 'wineserver -k 2>/dev/null || true; rm -rf "$work"' EXIT
-wineboot -i >/dev/null 2>&1
+source "$(dirname "${BASH_SOURCE[0]}")/throwaway_prefix.sh"
 wineserver -w
 
 cp "$bin"/*.exe "$bin"/*.dll "$bin"/qelto.mof "$work/"
