@@ -156,43 +156,37 @@ TEST(WineRegFile, LinksCannotMultiplyTheFile) {
 }
 
 TEST(WineRegFile, ErrorsNameTheLine) {
-  EXPECT_EQ(errorOf("REGEDIT4\n"),
-            "system.reg:1: expected \"WINE REGISTRY Version 2\" as the first line");
-  EXPECT_EQ(errorOf(kHeader + "\"a\"=\"b\"\n"),
-            "system.reg:3: a value needs a [key] line before it");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=\"b\n"), "system.reg:4: missing the closing '\"'");
-  EXPECT_EQ(errorOf(kHeader + "[A\\\\B 1\n"), "system.reg:3: missing the closing ']'");
-  EXPECT_EQ(errorOf(kHeader + "[A\\\\\\\\B] 1\n"), "system.reg:3: empty key name");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1 x\n"),
-            "system.reg:3: expected only a time stamp after the key");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=dword:\n"),
-            "system.reg:4: expected 1 to 8 hex digits after dword:");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=dword:123456789\n"),
-            "system.reg:4: unexpected text after the value");
-  // The line of a wrapped value is the one it starts on.
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\n\"a\"=hex:00,01,\\\n  02,zz\n"),
-            "system.reg:5: expected a hex byte, 00 to ff, at hex byte 4");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=hex:00,1g\n"),
-            "system.reg:4: expected ',' after hex byte 2");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=hex(7:00\n"),
-            "system.reg:4: expected a hex type number and ')'");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=str(2)\"x\"\n"),
-            "system.reg:4: expected ':' after str(type)");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=0\n"),
-            "system.reg:4: expected \"text\", str(type):, dword:, hex: or hex(type): after '='");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\" = \"b\"\n"),
-            "system.reg:4: expected '=' after the value name");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\nstray\n"),
-            "system.reg:4: expected [key], \"name\"=, @=, #option or a ; comment");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"\xc3\x28\"=\"b\"\n"), "system.reg:4: not UTF-8 text");
-  EXPECT_EQ(errorOf(kHeader + "[" + std::string(256, 'k') + "] 1\n"),
-            "system.reg:3: a key name is at most 255 characters");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"" + std::string(16384, 'v') + "\"=\"\"\n"),
-            "system.reg:4: a value name is at most 16383 characters");
   std::string deep = "[k";
   for (int i = 0; i < 512; ++i) deep += "\\\\k";
-  EXPECT_EQ(errorOf(kHeader + deep + "] 1\n"), "system.reg:3: more than 512 levels of keys");
-  EXPECT_EQ(errorOf(kHeader + "[A] 1\n\"a\"=hex:\n@=dword:1\n"), "");
+  const std::string key = "[A] 1\n";
+  // What follows the header, and the message; "" for text that loads.
+  const std::pair<std::string, std::string> kCases[] = {
+      {"\"a\"=\"b\"\n", "3: a value needs a [key] line before it"},
+      {key + "\"a\"=\"b\n", "4: missing the closing '\"'"},
+      {"[A\\\\B 1\n", "3: missing the closing ']'"},
+      {"[A\\\\\\\\B] 1\n", "3: empty key name"},
+      {"[A] 1 x\n", "3: expected only a time stamp after the key"},
+      {key + "\"a\"=dword:\n", "4: expected 1 to 8 hex digits after dword:"},
+      {key + "\"a\"=dword:123456789\n", "4: unexpected text after the value"},
+      // The line of a wrapped value is the one it starts on.
+      {key + "\n\"a\"=hex:00,01,\\\n  02,zz\n", "5: expected a hex byte, 00 to ff, at hex byte 4"},
+      {key + "\"a\"=hex:00,1g\n", "4: expected ',' after hex byte 2"},
+      {key + "\"a\"=hex(7:00\n", "4: expected a hex type number and ')'"},
+      {key + "\"a\"=str(2)\"x\"\n", "4: expected ':' after str(type)"},
+      {key + "\"a\"=0\n", "4: expected \"text\", str(type):, dword:, hex: or hex(type): after '='"},
+      {key + "\"a\" = \"b\"\n", "4: expected '=' after the value name"},
+      {key + "stray\n", "4: expected [key], \"name\"=, @=, #option or a ; comment"},
+      {key + "\"\xc3\x28\"=\"b\"\n", "4: not UTF-8 text"},
+      {"[" + std::string(256, 'k') + "] 1\n", "3: a key name is at most 255 characters"},
+      {key + "\"" + std::string(16384, 'v') + "\"=\"\"\n",
+       "4: a value name is at most 16383 characters"},
+      {deep + "] 1\n", "3: more than 512 levels of keys"},
+      {key + "\"a\"=hex:\n@=dword:1\n", ""},
+  };
+  for (const auto& [text, message] : kCases)
+    EXPECT_EQ(errorOf(kHeader + text), message.empty() ? "" : "system.reg:" + message) << text;
+  EXPECT_EQ(errorOf("REGEDIT4\n"),
+            "system.reg:1: expected \"WINE REGISTRY Version 2\" as the first line");
 }
 
 }  // namespace
