@@ -235,7 +235,8 @@ TEST_F(ComponentEnumeration, InfTextsBeyondTheirBufferStayWithinIt) {
   OsMachine machine(windowsXp(), "",
                     {{"drive_c/WINDOWS/inf/sysoc.inf", infText(kBaseFamilyOnly)},
                      {"drive_c/WINDOWS/inf/base.inf", infText(family)},
-                     {"drive_c/WINDOWS/system32/setup/ocgen.dll", versionedFile("build_comment.dll")}});
+                     {"drive_c/WINDOWS/system32/setup/ocgen.dll",
+                      versionedFile("build_comment.dll")}});
   collect("QELTO_OSComponent");
   const Names names = values("Name");
   ASSERT_FALSE(names.empty());

@@ -1,6 +1,7 @@
+#include "frame/registry_reader.h"
+
 #include <gtest/gtest.h>
 
-#include "frame/registry_reader.h"
 #include "tests/frame/plugin_test_support.h"
 
 namespace installedapps_col {

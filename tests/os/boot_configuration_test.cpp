@@ -153,7 +153,8 @@ TEST_F(BootConfiguration, MissingStoreObjectsKeepTheirLabels) {
 // makes the read fail and the element's text empty, with nothing written past the end.
 TEST_F(BootConfiguration, ElementsBeyondTheirBufferGiveEmptyText) {
   const std::string fits(8191, 'f'), tooLong(8192, 't');
-  OsMachine current(windows7(), text(kSeven, "12000004", fits) + text(kServer, "12000004", tooLong));
+  OsMachine current(windows7(),
+                    text(kSeven, "12000004", fits) + text(kServer, "12000004", tooLong));
   const std::string objects = "BCD00000000\\Objects\\";
   EXPECT_EQ(OSConfiguration().readBcdElement(objects + kSeven + "\\Elements\\12000004"), fits);
   EXPECT_EQ(OSConfiguration().readBcdElement(objects + kServer + "\\Elements\\12000004"), "");

@@ -41,7 +41,8 @@ TEST_F(BadInput, MalformedMachineFilesStopTheRunNamingFileAndPlace) {
   writeFile(badReg / "registry/20-bad.reg",
             "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\X]\r\n"
             "\"a\"=dword:zz\r\n");
-  expectStopped("--machine " + badReg.string(), (badReg / "registry/20-bad.reg").string() + ":4:11: ");
+  expectStopped("--machine " + badReg.string(),
+                (badReg / "registry/20-bad.reg").string() + ":4:11: ");
 
   const fs::path badHeader = copyRegistryFixes("bad_header");
   writeFile(badHeader / "registry/20-odd.reg", std::string("\xff\xfeW\x00", 4));
@@ -53,7 +54,18 @@ TEST_F(BadInput, MalformedMachineFilesStopTheRunNamingFileAndPlace) {
   expectStopped("--machine " + badType.string(),
                 (badType / "machine.json").string() + ": member computerName");
 
-  expectStopped("--machine " + (badReg / "registry/20-bad.reg").string(), "20-bad.reg: not a directory");
+  expectStopped("--machine " + (badReg / "registry/20-bad.reg").string(),
+                "20-bad.reg: not a directory");
+
+  const fs::path winePrefix =
+      copyMachine(fs::path(VRX_SOURCE_DIR) / "tests/winapi/wine_reg", "prefix");
+  fs::create_directories(winePrefix / "drive_c");
+  std::string system = readFile(winePrefix / "system.reg");
+  const auto lines = std::count(system.begin(), system.end(), '\n');
+  writeFile(winePrefix / "system.reg",
+            system + "\n[Software\\\\Broken] 1700000000\n\"a\"=dword:zz\n");
+  expectStopped("--machine " + winePrefix.string(),
+                (winePrefix / "system.reg").string() + ":" + std::to_string(lines + 3) + ": ");
 }
 
 TEST_F(BadInput, UnreadableRegistryFolderStopsTheRunInsteadOfLookingEmpty) {
@@ -78,8 +90,8 @@ TEST_F(BadInput, OutputThatCannotBeWrittenStopsTheRunAndKeepsWhatIsThere) {
   writeFile(dir / "taken/keep", "kept");
   Result result = run(machine + " --output " + (dir / "taken").string());
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "vrxhost: " + (dir / "taken").string() +
-                            ": cannot write the output: Is a directory\n");
+  EXPECT_EQ(result.err,
+            "vrxhost: " + (dir / "taken").string() + ": cannot write the output: Is a directory\n");
   EXPECT_EQ(readFile(dir / "taken/keep"), "kept");
   // No one, root included, creates files in /proc.
   result = run(machine + " --output /proc/vrxhost_out.json");
@@ -97,9 +109,9 @@ TEST_F(BadInput, BrokenInfAndPeFilesCostOnlyWhatTheyHoldAndAreLogged) {
   const std::vector<std::pair<fs::path, std::string>> cases = {{badPe, "ocgen.dll"},
                                                                {badInf, "Sysoc.inf"}};
   for (const auto& c : cases) {
-    const Result result = run("--machine " + c.first.string() + " --log " +
-                              (dir / "log").string() + " --output " + (dir / "out.json").string() +
-                              " QELTO_OSComponent QELTO_Account");
+    const Result result =
+        run("--machine " + c.first.string() + " --log " + (dir / "log").string() + " --output " +
+            (dir / "out.json").string() + " QELTO_OSComponent QELTO_Account");
     EXPECT_EQ(result.status, 0) << c.second << ": " << result.err;
     const nlohmann::json output = nlohmann::json::parse(readFile(dir / "out.json"));
     EXPECT_EQ(output["instances"].back()["class"], "QELTO_Account") << c.second;

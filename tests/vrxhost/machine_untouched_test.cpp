@@ -49,7 +49,8 @@ TEST_F(Vrxhost, CollectionNeverWritesUnderTheMachineDirectory) {
     const fs::path copy = dir / ("copy-" + std::to_string(&machine - machines.data()));
     fs::copy(machine, copy, fs::copy_options::recursive);
     const std::string arguments = " --log " + (dir / "log").string() + " --log-level 4 --output ";
-    ASSERT_EQ(run("--machine " + copy.string() + arguments + (dir / "writable.json").string()).status, 0);
+    ASSERT_EQ(
+        run("--machine " + copy.string() + arguments + (dir / "writable.json").string()).status, 0);
 
     setWritable(copy, false);
     const auto before = snapshot(copy);
