@@ -96,7 +96,7 @@ std::string productName(std::size_t index) {
 // The name of application `index`: mostly new, some the same as an earlier one (the same product
 // in a second place), some the update of a hot fix, which the collector leaves out.
 std::string applicationName(Random& random, std::size_t index, const MachineSize& size) {
-  if (index % 20 == 7 && index > 20) return productName(index - 20);
+  if (index % 20 == 7 && index > 20) return productName(index - 21);
   if (index % 50 == 3 && size.hotfixes > 0)
     return "Security Update for Windows (" + fixId(random.below(size.hotfixes)) + ")";
   return productName(index);

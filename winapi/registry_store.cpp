@@ -26,6 +26,13 @@ void appendUnit(std::string& bytes, std::uint32_t unit) {
   bytes.push_back(static_cast<char>(unit >> 8));
 }
 
+// The name as the indexes hold it.
+std::wstring upperCased(std::wstring_view name) {
+  std::wstring upper(name);
+  for (wchar_t& c : upper) c = upperCase(c);
+  return upper;
+}
+
 }  // namespace
 
 int compareIgnoringCase(std::wstring_view a, std::wstring_view b) {
@@ -76,24 +83,38 @@ std::wstring fromUtf16Bytes(std::string_view bytes) {
   return text;
 }
 
-RegistryKey::SubKeys::const_iterator RegistryKey::lowerBound(std::wstring_view name) const {
-  return std::lower_bound(subKeys_.begin(), subKeys_.end(), name,
-                          [](const std::unique_ptr<RegistryKey>& key, std::wstring_view wanted) {
-                            return compareIgnoringCase(key->name(), wanted) < 0;
-                          });
+const RegistryKey::SubKeys& RegistryKey::subKeys() const {
+  if (!sorted_) {
+    std::sort(subKeys_.begin(), subKeys_.end(),
+              [](const std::unique_ptr<RegistryKey>& a, const std::unique_ptr<RegistryKey>& b) {
+                return compareIgnoringCase(a->name(), b->name()) < 0;
+              });
+    sorted_ = true;
+  }
+  return subKeys_;
 }
 
 const RegistryKey* RegistryKey::subKey(std::wstring_view name) const {
-  auto found = lowerBound(name);
-  return found != subKeys_.end() && compareIgnoringCase((*found)->name(), name) == 0 ? found->get()
-                                                                                     : nullptr;
+  auto found = subKeyIndex_.find(upperCased(name));
+  return found == subKeyIndex_.end() ? nullptr : found->second;
+}
+
+void RegistryKey::indexValues() const {
+  valueIndex_.clear();
+  for (std::size_t at = 0; at < values_.size(); ++at)
+    valueIndex_.emplace(upperCased(values_[at].name), at);
 }
 
 const RegistryValue* RegistryKey::value(std::wstring_view name) const {
-  auto found = std::find_if(values_.begin(), values_.end(), [&](const RegistryValue& value) {
-    return compareIgnoringCase(value.name, name) == 0;
-  });
-  return found == values_.end() ? nullptr : &*found;
+  if (values_.size() <= kValuesScanned) {
+    auto found = std::find_if(values_.begin(), values_.end(), [&](const RegistryValue& value) {
+      return compareIgnoringCase(value.name, name) == 0;
+    });
+    return found == values_.end() ? nullptr : &*found;
+  }
+  if (valueIndex_.size() != values_.size()) indexValues();
+  auto found = valueIndex_.find(upperCased(name));
+  return found == valueIndex_.end() ? nullptr : &values_[found->second];
 }
 
 const RegistryKey* RegistryKey::find(const RegistryPath& path) const {
@@ -107,25 +128,33 @@ RegistryKey* RegistryKey::find(const RegistryPath& path) {
 }
 
 RegistryKey& RegistryKey::makeSubKey(std::wstring_view name) {
-  auto place = lowerBound(name);
-  if (place != subKeys_.end() && compareIgnoringCase((*place)->name(), name) == 0) return **place;
-  return **subKeys_.insert(place, std::make_unique<RegistryKey>(std::wstring(name)));
+  RegistryKey*& key = subKeyIndex_[upperCased(name)];
+  if (key) return *key;
+  subKeys_.push_back(std::make_unique<RegistryKey>(std::wstring(name)));
+  key = subKeys_.back().get();
+  if (sorted_ && subKeys_.size() > 1)
+    sorted_ = compareIgnoringCase(subKeys_[subKeys_.size() - 2]->name(), name) < 0;
+  return *key;
 }
 
 void RegistryKey::removeSubKey(std::wstring_view name) {
-  auto found = lowerBound(name);
-  if (found != subKeys_.end() && compareIgnoringCase((*found)->name(), name) == 0)
-    subKeys_.erase(found);
+  auto indexed = subKeyIndex_.find(upperCased(name));
+  if (indexed == subKeyIndex_.end()) return;
+  subKeys_.erase(std::find_if(subKeys_.begin(), subKeys_.end(),
+                              [&](const std::unique_ptr<RegistryKey>& key) {
+                                return key.get() == indexed->second;
+                              }));
+  subKeyIndex_.erase(indexed);
 }
 
 void RegistryKey::setValue(RegistryValue value) {
-  for (RegistryValue& existing : values_) {
-    if (compareIgnoringCase(existing.name, value.name) == 0) {
-      existing.type = value.type;
-      existing.data = std::move(value.data);
-      return;
-    }
+  if (auto* existing = const_cast<RegistryValue*>(std::as_const(*this).value(value.name))) {
+    existing->type = value.type;
+    existing->data = std::move(value.data);
+    return;
   }
+  // An index in use grows with the values; one not yet built is built when first needed.
+  if (!valueIndex_.empty()) valueIndex_.emplace(upperCased(value.name), values_.size());
   values_.push_back(std::move(value));
 }
 
@@ -135,6 +164,7 @@ void RegistryKey::removeValue(std::wstring_view name) {
                                  return compareIgnoringCase(value.name, name) == 0;
                                }),
                 values_.end());
+  valueIndex_.clear();
 }
 
 }  // namespace winapi

@@ -1,7 +1,8 @@
 // The machine's registry in memory: two hives (HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER) of keys
 // and values, kept as Windows keeps them. Key and value names are compared without regard to
-// case; sub-keys are kept sorted by their upper-cased names, values in the order they were
-// written. Value data is bytes with its type, text in it UTF-16LE.
+// case; sub-keys are listed sorted by their upper-cased names, values in the order they were
+// written. Lookups by name take constant time, so that loading and reading keys with a hundred
+// thousand sub-keys or values stays linear. Value data is bytes with its type, text in it UTF-16LE.
 #ifndef VRX_WINAPI_REGISTRY_STORE_H
 #define VRX_WINAPI_REGISTRY_STORE_H
 
@@ -9,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace winapi {
@@ -39,7 +41,8 @@ class RegistryKey {
   explicit RegistryKey(std::wstring name) : name_(std::move(name)) {}
 
   const std::wstring& name() const { return name_; }
-  const SubKeys& subKeys() const { return subKeys_; }
+  // Sorted by upper-cased name (sorted when first asked after sub-keys were made out of order).
+  const SubKeys& subKeys() const;
   const std::vector<RegistryValue>& values() const { return values_; }
 
   // nullptr when there is none.
@@ -58,11 +61,18 @@ class RegistryKey {
   void removeValue(std::wstring_view name);
 
  private:
-  SubKeys::const_iterator lowerBound(std::wstring_view name) const;
+  // Keys with at most this many values find a value by looking at each.
+  static constexpr std::size_t kValuesScanned = 16;
+
+  void indexValues() const;
 
   std::wstring name_;
-  SubKeys subKeys_;
+  mutable SubKeys subKeys_;
+  mutable bool sorted_ = true;
+  std::unordered_map<std::wstring, RegistryKey*> subKeyIndex_;  // by upper-cased name
   std::vector<RegistryValue> values_;
+  // Value positions by upper-cased name; built once a key has more than kValuesScanned values.
+  mutable std::unordered_map<std::wstring, std::size_t> valueIndex_;
 };
 
 class Registry {

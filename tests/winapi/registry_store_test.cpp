@@ -1,0 +1,71 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "winapi/registry_store.h"
+
+namespace winapi {
+namespace {
+
+std::vector<std::wstring> namesOf(const RegistryKey& key) {
+  std::vector<std::wstring> names;
+  for (const auto& subKey : key.subKeys()) names.push_back(subKey->name());
+  return names;
+}
+
+RegistryValue text(const std::wstring& name, const std::string& data) {
+  return {name, 1, data};
+}
+
+TEST(RegistryStore, SubKeysMadeOutOfOrderAreListedSortedAndFoundInAnySpelling) {
+  RegistryKey root(L"ROOT");
+  for (const wchar_t* name : {L"b", L"C", L"a", L"B", L"é", L"Z", L"A"}) root.makeSubKey(name);
+  // The first spelling stays; "é" (U+00C9 upper-cased) sorts after the ASCII letters.
+  EXPECT_EQ(namesOf(root), (std::vector<std::wstring>{L"a", L"b", L"C", L"Z", L"é"}));
+  ASSERT_NE(root.subKey(L"É"), nullptr);
+  EXPECT_EQ(root.subKey(L"É")->name(), L"é");
+  EXPECT_EQ(&root.makeSubKey(L"c"), root.subKey(L"C"));
+
+  // A sub-key made after the list was sorted is placed too, and a removed one is gone from both
+  // the list and the lookups.
+  root.makeSubKey(L"B2");
+  root.removeSubKey(L"A");
+  EXPECT_EQ(namesOf(root), (std::vector<std::wstring>{L"b", L"B2", L"C", L"Z", L"é"}));
+  EXPECT_EQ(root.subKey(L"a"), nullptr);
+  root.makeSubKey(L"a").makeSubKey(L"child");
+  EXPECT_EQ(namesOf(root).front(), L"a");
+  EXPECT_TRUE(root.subKey(L"A")->subKey(L"CHILD"));
+  EXPECT_EQ(root.find({L"a", L"child"}), root.subKey(L"a")->subKey(L"child"));
+}
+
+// Keys with many values find them through an index; it has to stay right as values are
+// replaced, added and removed.
+TEST(RegistryStore, ManyValuesKeepTheirOrderAndAreFoundAfterEveryChange) {
+  RegistryKey key(L"K");
+  const int count = 40;
+  for (int i = 0; i < count; ++i) key.setValue(text(L"Value" + std::to_wstring(i), "v"));
+  for (int i = 0; i < count; ++i) {
+    const RegistryValue* value = key.value(L"VALUE" + std::to_wstring(i));
+    ASSERT_NE(value, nullptr) << i;
+    EXPECT_EQ(value->name, L"Value" + std::to_wstring(i));
+  }
+  key.setValue(text(L"value7", "replaced"));
+  key.setValue(text(L"Extra", "new"));
+  ASSERT_EQ(key.values().size(), static_cast<std::size_t>(count + 1));
+  EXPECT_EQ(key.values()[7].data, "replaced");
+  EXPECT_EQ(key.values()[7].name, L"Value7");
+  EXPECT_EQ(key.value(L"extra")->data, "new");
+
+  key.removeValue(L"VALUE3");
+  EXPECT_EQ(key.value(L"Value3"), nullptr);
+  EXPECT_EQ(key.value(L"Value4"), &key.values()[3]);
+  EXPECT_EQ(key.value(L"EXTRA")->data, "new");
+  key.setValue(text(L"Value3", "back"));
+  EXPECT_EQ(key.values().back().name, L"Value3");
+  EXPECT_EQ(key.value(L"value3")->data, "back");
+  EXPECT_EQ(key.value(L"Value40"), nullptr);
+}
+
+}  // namespace
+}  // namespace winapi
