@@ -51,8 +51,10 @@ std::optional<std::string> findHostPath(const std::string& machineDirectory,
                                         const std::string& windowsPath) {
   auto components = componentsOf(windowsPath);
   if (machineDirectory.empty() || !components) return std::nullopt;
-  auto path = findEntry(machineDirectory,
-                        std::string("drive_") + static_cast<char>(std::tolower(windowsPath[0])));
+  char drive = static_cast<char>(std::tolower(windowsPath[0]));
+  auto path = findEntry(machineDirectory, std::string("drive_") + drive);
+  // An offline volume has no drive_c/: its root is drive C:.
+  if (!path && drive == 'c' && findEntry(machineDirectory, "Windows")) path = machineDirectory;
   for (std::size_t i = 0; path && i < components->size(); ++i)
     path = findEntry(*path, (*components)[i]);
   return path ? std::optional<std::string>(path->string()) : std::nullopt;

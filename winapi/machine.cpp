@@ -7,10 +7,12 @@
 
 #include "winapi/calendar.h"
 #include "winapi/code_pages.h"
+#include "winapi/hive_file.h"
 #include "winapi/host_path.h"
 #include "winapi/machine_file.h"
 #include "winapi/machine_schema.h"
 #include "winapi/module_names.h"
+#include "winapi/offline_volume.h"
 #include "winapi/reg_file.h"
 #include "winapi/wine_prefix.h"
 
@@ -33,7 +35,6 @@ bool hasEntry(const fs::path& dir, const char* name) {
 }
 
 // Kinds of machine directory, in the order they are tried: a Wine prefix has a drive_c/ too.
-// Offline Windows volumes (Windows/System32/config/SOFTWARE) join here.
 struct MachineKind {
   bool (*recognises)(const fs::path& dir);
   std::shared_ptr<Machine> (*load)(const fs::path& dir);
@@ -44,15 +45,23 @@ bool isDescribed(const fs::path& dir) {
 }
 
 std::shared_ptr<Machine> loadDescribed(const fs::path& dir) {
-  // hives/ join the registry here once they are read; fromDescription merges registry/*.reg.
   fs::path file = dir / "machine.json";
   nlohmann::json description =
       hasEntry(dir, "machine.json") ? readMachineFile(file.string()) : nlohmann::json::object();
-  return Machine::fromDescription(description, dir.string());
+  std::shared_ptr<Registry> registry;
+  if (hasEntry(dir, "hives")) {
+    // A value both in registry/*.reg and in a hive is the hive's: the hives are mounted last.
+    const nlohmann::json& codePage = description.value("ansiCodePage", nlohmann::json(1252u));
+    registry = readRegistryFiles(dir.string(),
+                                 codePage.is_number_unsigned() ? codePage.get<unsigned>() : 1252u);
+    mountHiveDirectory(*registry, dir / "hives");
+  }
+  return Machine::fromDescription(description, dir.string(), registry);
 }
 
 const MachineKind kKinds[] = {
     {isWinePrefix, loadWinePrefix},
+    {isOfflineVolume, loadOfflineVolume},
     {isDescribed, loadDescribed},
 };
 

@@ -1,0 +1,102 @@
+#include "winapi/offline_volume.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "test_hive.h"
+#include "test_machine.h"
+#include "winapi/machine.h"
+
+namespace fs = std::filesystem;
+
+namespace winapi {
+namespace {
+
+const char kSoftware[] =
+    "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft]\n\n"
+    "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT]\n\n"
+    "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion]\n"
+    "\"CurrentVersion\"=\"6.3\"\n\"CurrentMajorVersionNumber\"=dword:0000000a\n"
+    "\"CurrentMinorVersionNumber\"=dword:00000000\n\"CurrentBuildNumber\"=\"19045\"\n"
+    "\"SystemRoot\"=\"C:\\\\Windows\"\n\n";
+const char kSystem[] =
+    "[HKEY_LOCAL_MACHINE\\SYSTEM\\Select]\n\"Current\"=dword:00000001\n\n"
+    "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001]\n\n"
+    "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control]\n\n"
+    "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\ComputerName]\n\n"
+    "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\ComputerName\\ComputerName]\n"
+    "\"ComputerName\"=\"OFFLINE-PC\"\n\n"
+    "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\ProductOptions]\n"
+    "\"ProductType\"=\"ServerNT\"\n\n";
+
+// A volume whose path components are spelt as a real one's often are: not as looked up.
+void makeVolume(const TempDirectory& volume) {
+  volume.makeDirectory("WINDOWS/system32/CONFIG");
+  writeHive(volume.path() + "/WINDOWS/system32/CONFIG/software", "HKEY_LOCAL_MACHINE\\SOFTWARE",
+            kSoftware);
+  writeHive(volume.path() + "/WINDOWS/system32/CONFIG/System", "HKEY_LOCAL_MACHINE\\SYSTEM",
+            kSystem);
+  for (const char* user : {"olduser", "bob"}) {
+    volume.makeDirectory(std::string("Users/") + user);
+    writeHive(volume.path() + "/Users/" + user + "/NTUSER.DAT", "HKEY_CURRENT_USER",
+              std::string("[HKEY_CURRENT_USER\\Environment]\n\"WHO\"=\"") + user + "\"\n\n");
+  }
+  fs::last_write_time(volume.path() + "/Users/olduser/NTUSER.DAT",
+                      fs::file_time_type::clock::now() - std::chrono::hours(24));
+}
+
+TEST(OfflineVolume, DescriptionComesFromItsHivesAndItsLastUser) {
+  TempDirectory volume;
+  makeVolume(volume);
+  ASSERT_TRUE(isOfflineVolume(volume.path()));
+  auto machine = Machine::load(volume.path());
+  EXPECT_EQ(machine->computerName(), "OFFLINE-PC");
+  const nlohmann::json& description = machine->description();
+  // What GetVersionEx answers a program without a compatibility manifest: CurrentVersion.
+  EXPECT_EQ(description["version"]["major"], 6);
+  EXPECT_EQ(description["version"]["minor"], 3);
+  EXPECT_EQ(description["version"]["build"], 19045);
+  EXPECT_EQ(description["userName"], "bob");
+  const EnvironmentBlock::Variable* who = machine->environment().find("WHO");
+  ASSERT_NE(who, nullptr);
+  EXPECT_EQ(who->value, "bob");
+  auto hive = machine->hostPath("c:\\windows\\SYSTEM32\\config\\SOFTWARE");
+  ASSERT_TRUE(hive.has_value());
+  EXPECT_EQ(*hive, volume.path() + "/WINDOWS/system32/CONFIG/software");
+}
+
+TEST(OfflineVolume, ABrokenHiveNamesItsFile) {
+  TempDirectory volume;
+  makeVolume(volume);
+  std::string system = volume.path() + "/WINDOWS/system32/CONFIG/System";
+  fs::resize_file(system, 0x1800);
+  try {
+    Machine::load(volume.path());
+    ADD_FAILURE() << "a truncated SYSTEM hive was read";
+  } catch (const MachineError& error) {
+    EXPECT_EQ(std::string(error.what()).rfind(system + ": ", 0), 0u) << error.what();
+  }
+}
+
+TEST(OfflineVolume, ADescribedMachinesHivesWinOverItsRegFiles) {
+  TempDirectory dir;
+  dir.write("registry/software.reg",
+            "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vendor]\n\"Both\"=\"reg\"\n"
+            "\"RegOnly\"=\"reg\"\n\n");
+  dir.makeDirectory("hives");
+  writeHive(dir.path() + "/hives/SOFTWARE", "HKEY_LOCAL_MACHINE\\SOFTWARE",
+            "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vendor]\n\"Both\"=\"hive\"\n\n");
+  dir.write("hives/README", "not a hive");
+  EXPECT_FALSE(isOfflineVolume(dir.path()));
+  auto machine = Machine::load(dir.path());
+  const RegistryKey* vendor =
+      machine->registry()->root(Hive::LocalMachine).find({L"SOFTWARE", L"Vendor"});
+  ASSERT_NE(vendor, nullptr);
+  EXPECT_EQ(fromUtf16Bytes(vendor->value(L"Both")->data).substr(0, 4), L"hive");
+  EXPECT_EQ(fromUtf16Bytes(vendor->value(L"RegOnly")->data).substr(0, 3), L"reg");
+}
+
+}  // namespace
+}  // namespace winapi

@@ -1,0 +1,19 @@
+// Hive files made at test time: an empty hive written from its byte layout, filled from .reg text
+// by hivexregedit.
+#ifndef VRX_TESTS_WINAPI_TEST_HIVE_H
+#define VRX_TESTS_WINAPI_TEST_HIVE_H
+
+#include <string>
+
+namespace winapi {
+
+// The bytes of a valid hive with one empty root key.
+std::string emptyHive();
+
+// Writes a hive at `file` holding the keys of `regText` (REGEDIT4 text whose keys start with
+// `prefix`, e.g. "HKEY_LOCAL_MACHINE\\SOFTWARE"). Fails the test when hivexregedit does.
+void writeHive(const std::string& file, const std::string& prefix, const std::string& regText);
+
+}  // namespace winapi
+
+#endif

@@ -1,0 +1,176 @@
+// Reading hive files through libhivex. libhivex checks the hive's structure as it goes; a node or
+// value it cannot read is reported as corrupt, naming the key that was being read.
+#include "winapi/hive_file.h"
+
+#include <hivex.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "winapi/code_pages.h"
+#include "winapi/machine.h"
+#include "winapi/text.h"
+
+namespace fs = std::filesystem;
+
+namespace winapi {
+
+namespace {
+
+// Windows nests keys at most 512 deep; the counts are far above a real hive's (a large SOFTWARE
+// holds a few hundred thousand keys) and below what would exhaust memory.
+constexpr int kMaxDepth = 512;
+constexpr std::size_t kMaxKeys = 4u << 20;
+constexpr std::size_t kMaxValues = 16u << 20;
+
+struct Closer {
+  void operator()(hive_h* hive) const { hivex_close(hive); }
+};
+struct Freer {
+  void operator()(void* memory) const { std::free(memory); }
+};
+template <typename T>
+using Owned = std::unique_ptr<T, Freer>;
+
+class HiveCopier {
+ public:
+  explicit HiveCopier(const fs::path& file) : file_(file.string()) {
+    errno = 0;
+    hive_.reset(hivex_open(file_.c_str(), 0));
+    if (!hive_) fail("", std::string("not a readable hive: ") + std::strerror(errno));
+  }
+
+  hive_node_h root() {
+    hive_node_h node = hivex_root(hive_.get());
+    if (node == 0) fail("", "no root key");
+    return node;
+  }
+
+  // The sub-key of that name (any case), 0 when there is none.
+  hive_node_h child(hive_node_h node, const char* name) {
+    errno = 0;
+    hive_node_h found = hivex_node_get_child(hive_.get(), node, name);
+    if (found == 0 && errno != 0) fail(name, "corrupt key");
+    return found;
+  }
+
+  // The REG_DWORD value of that name, nullopt when there is none or it is not 4 bytes.
+  std::optional<std::uint32_t> dword(hive_node_h node, const char* name) {
+    hive_value_h value = hivex_node_get_value(hive_.get(), node, name);
+    if (value == 0) return std::nullopt;
+    hive_type type;
+    std::size_t size = 0;
+    Owned<char> data(hivex_value_value(hive_.get(), value, &type, &size));
+    if (!data || size != 4) return std::nullopt;
+    std::uint32_t result;
+    std::memcpy(&result, data.get(), 4);
+    return result;
+  }
+
+  void copy(hive_node_h node, RegistryKey& target, const std::string& path, int depth) {
+    if (depth > kMaxDepth) fail(path, "keys nested deeper than 512");
+    copyValues(node, target, path);
+    errno = 0;
+    Owned<hive_node_h> children(hivex_node_children(hive_.get(), node));
+    if (!children) fail(path, std::string("corrupt key: ") + std::strerror(errno));
+    for (hive_node_h* child = children.get(); *child; ++child) {
+      if (++keys_ > kMaxKeys) fail(path, "more than 4194304 keys");
+      Owned<char> name(hivex_node_name(hive_.get(), *child));
+      if (!name) fail(path, "a sub-key without a readable name");
+      std::string childPath = path.empty() ? name.get() : path + "\\" + name.get();
+      copy(*child, target.makeSubKey(utf8ToWide(name.get())), childPath, depth + 1);
+    }
+  }
+
+  [[noreturn]] void fail(const std::string& key, const std::string& what) const {
+    throw MachineError(file_ + (key.empty() ? "" : ": key " + key) + ": " + what);
+  }
+
+ private:
+  void copyValues(hive_node_h node, RegistryKey& target, const std::string& path) {
+    errno = 0;
+    Owned<hive_value_h> values(hivex_node_values(hive_.get(), node));
+    if (!values) fail(path, std::string("corrupt value list: ") + std::strerror(errno));
+    for (hive_value_h* value = values.get(); *value; ++value) {
+      if (++values_ > kMaxValues) fail(path, "more than 16777216 values");
+      target.setValue(readValue(*value, path));
+    }
+  }
+
+  RegistryValue readValue(hive_value_h value, const std::string& path) {
+    Owned<char> name(hivex_value_key(hive_.get(), value));
+    hive_type type;
+    std::size_t size = 0;
+    Owned<char> data(hivex_value_value(hive_.get(), value, &type, &size));
+    if (!name || (!data && size != 0)) fail(path, "a value that cannot be read");
+    return RegistryValue{utf8ToWide(name.get()), static_cast<std::uint32_t>(type),
+                         std::string(data.get() ? data.get() : "", size)};
+  }
+
+  std::string file_;
+  std::unique_ptr<hive_h, Closer> hive_;
+  std::size_t keys_ = 0;
+  std::size_t values_ = 0;
+};
+
+RegistryKey& mountPoint(Registry& registry, Hive hive, const wchar_t* name) {
+  RegistryKey& root = registry.root(hive);
+  return name ? root.makeSubKey(name) : root;
+}
+
+}  // namespace
+
+void mountHiveFile(RegistryKey& mountPoint, const fs::path& file) {
+  HiveCopier copier(file);
+  copier.copy(copier.root(), mountPoint, "", 0);
+}
+
+void mountSystemHive(Registry& registry, const fs::path& file) {
+  HiveCopier copier(file);
+  hive_node_h root = copier.root();
+  RegistryKey& system = mountPoint(registry, Hive::LocalMachine, L"SYSTEM");
+  copier.copy(root, system, "", 0);
+  hive_node_h select = copier.child(root, "Select");
+  std::optional<std::uint32_t> current = select ? copier.dword(select, "Current") : std::nullopt;
+  if (!current || *current > 999) return;
+  char name[16];
+  std::snprintf(name, sizeof name, "ControlSet%03u", static_cast<unsigned>(*current));
+  hive_node_h controlSet = copier.child(root, name);
+  if (controlSet) copier.copy(controlSet, system.makeSubKey(L"CurrentControlSet"), name, 1);
+}
+
+bool mountNamedHive(Registry& registry, const fs::path& file) {
+  std::string name = asciiUpper(file.filename().string());
+  if (name == "SYSTEM") {
+    mountSystemHive(registry, file);
+    return true;
+  }
+  struct Place {
+    const char* file;
+    Hive hive;
+    const wchar_t* key;
+  };
+  static const Place places[] = {{"SOFTWARE", Hive::LocalMachine, L"SOFTWARE"},
+                                 {"NTUSER.DAT", Hive::CurrentUser, nullptr},
+                                 {"BCD", Hive::LocalMachine, L"BCD00000000"}};
+  for (const Place& place : places)
+    if (name == place.file) {
+      mountHiveFile(mountPoint(registry, place.hive, place.key), file);
+      return true;
+    }
+  return false;
+}
+
+void mountHiveDirectory(Registry& registry, const fs::path& dir) {
+  std::error_code error;
+  for (fs::directory_iterator it(dir, error), end; !error && it != end; it.increment(error))
+    if (it->is_regular_file(error)) mountNamedHive(registry, it->path());
+  if (error) throw MachineError(dir.string() + ": cannot read: " + error.message());
+}
+
+}  // namespace winapi

@@ -1,0 +1,80 @@
+// Loading an offline volume. Figures only a running machine has (memory, performance, uptime,
+// logged-on users) are not in its hives, so the calls that need them fail as Windows fails when
+// it cannot tell. Its user is the profile whose NTUSER.DAT changed last: the one used last.
+#include "winapi/offline_volume.h"
+
+#include <optional>
+#include <string>
+
+#include "winapi/hive_file.h"
+#include "winapi/host_path.h"
+#include "winapi/machine.h"
+#include "winapi/registry_machine_facts.h"
+
+namespace fs = std::filesystem;
+
+namespace winapi {
+
+namespace {
+
+const char kConfig[] = "C:\\Windows\\System32\\config\\";
+
+std::optional<std::string> hostFile(const fs::path& dir, const std::string& windowsPath) {
+  return findHostPath(dir.string(), windowsPath);
+}
+
+struct Profile {
+  std::string name;
+  fs::path hive;
+};
+
+// The profile under C:\Users whose NTUSER.DAT was written last; no name when there is none.
+Profile lastUsedProfile(const fs::path& dir) {
+  Profile last;
+  fs::file_time_type lastWrite = fs::file_time_type::min();
+  auto users = hostFile(dir, "C:\\Users");
+  if (!users) return last;
+  std::error_code error;
+  for (fs::directory_iterator it(*users, error), end; !error && it != end; it.increment(error)) {
+    auto hive = hostFile(dir, "C:\\Users\\" + it->path().filename().string() + "\\NTUSER.DAT");
+    if (!hive) continue;
+    fs::file_time_type written = fs::last_write_time(*hive, error);
+    if (!error && written > lastWrite) {
+      lastWrite = written;
+      last = {it->path().filename().string(), *hive};
+    }
+    error.clear();
+  }
+  return last;
+}
+
+void addUser(const Profile& profile, nlohmann::json& facts) {
+  facts["userName"] = profile.name;
+  nlohmann::json& environment = facts["environment"];
+  environment["USERNAME"] = profile.name;
+  environment["USERPROFILE"] = "C:\\Users\\" + profile.name;
+  environment["HOMEDRIVE"] = "C:";
+  environment["HOMEPATH"] = "\\Users\\" + profile.name;
+  if (facts.contains("computerName")) environment["USERDOMAIN"] = facts["computerName"];
+}
+
+}  // namespace
+
+bool isOfflineVolume(const fs::path& dir) {
+  std::error_code error;
+  return !fs::exists(dir / "drive_c", error) &&
+         hostFile(dir, std::string(kConfig) + "SOFTWARE").has_value();
+}
+
+std::shared_ptr<Machine> loadOfflineVolume(const fs::path& dir) {
+  auto registry = std::make_shared<Registry>();
+  for (const char* hive : {"SOFTWARE", "SYSTEM"})
+    if (auto file = hostFile(dir, std::string(kConfig) + hive)) mountNamedHive(*registry, *file);
+  Profile profile = lastUsedProfile(dir);
+  if (!profile.hive.empty()) mountHiveFile(registry->root(Hive::CurrentUser), profile.hive);
+  nlohmann::json facts = registryMachineFacts(*registry);
+  if (!profile.name.empty()) addUser(profile, facts);
+  return Machine::fromDescription(facts, dir.string(), registry);
+}
+
+}  // namespace winapi

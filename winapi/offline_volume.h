@@ -1,0 +1,20 @@
+// A Windows volume that is not running (a mounted partition or disk image) as a machine: its
+// hive files are its registry, its root is drive C:, and its description is read from the hives.
+#ifndef VRX_WINAPI_OFFLINE_VOLUME_H
+#define VRX_WINAPI_OFFLINE_VOLUME_H
+
+#include <filesystem>
+#include <memory>
+
+namespace winapi {
+
+class Machine;
+
+// A directory holding Windows/System32/config/SOFTWARE, each component in any case.
+bool isOfflineVolume(const std::filesystem::path& dir);
+// Throws MachineError naming the hive that cannot be read. Nothing on the volume is written.
+std::shared_ptr<Machine> loadOfflineVolume(const std::filesystem::path& dir);
+
+}  // namespace winapi
+
+#endif
