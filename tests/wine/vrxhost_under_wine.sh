@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Runs vrxhost.exe under Wine in a throwaway prefix and checks the computer
-# system instance and the plug-in's lifecycle lines in the log, and that its
-# CIM-XML validates against the DTD given as the second argument, if any.
+# Runs vrxhost.exe under Wine in a throwaway prefix on all its default classes and
+# checks the exit status, the plug-in's lifecycle lines in the log, the instances
+# of the classes Wine can answer, and that its CIM-XML validates against the DTD
+# given as the second argument, if any.
 set -euo pipefail
 bin=${1:?folder of the Windows build}
 source "$(dirname "${BASH_SOURCE[0]}")/throwaway_prefix.sh"
@@ -10,8 +11,7 @@ wineserver -w
 cp "$bin"/*.exe "$bin"/*.dll "$bin"/qelto.mof "$work/"
 cd "$work"
 status=0
-wine vrxhost.exe --log log.txt --output out.json QELTO_Account QELTO_TimeZone \
-  >stdout.txt 2>stderr.txt || status=$?
+wine vrxhost.exe --log log.txt --output out.json >stdout.txt 2>stderr.txt || status=$?
 fail() { echo "FAIL: $*"; echo "--- stderr"; cat stderr.txt; echo "--- log"; cat log.txt 2>/dev/null; exit 1; }
 [ "$status" -eq 0 ] || fail "exit status $status"
 tr -d '\r' <log.txt >log.lf
@@ -21,6 +21,11 @@ tail -n 1 log.lf | grep -qx $'3\tTInstalledAppsCallbacks::DeInit -De-Initializin
   || fail "DeInit is not the last line"
 grep -q '"class": "QELTO_ComputerSystem"' out.json || fail "no computer system instance"
 grep -q '"CreationClassName": "QELTO_ComputerSystem"' out.json || fail "no CreationClassName"
+# A fresh prefix has no applications, page files, boot.ini or optional components; these answer.
+for class in Account AccountOnSystem CurrentAccountOnSystem InstalledFix OperatingSystem \
+             OSEnvironmentVariable SystemEnvironmentVariable UserEnvironmentVariable TimeZone; do
+  grep -q "\"class\": \"QELTO_$class\"" out.json || fail "no QELTO_$class instance"
+done
 wine vrxhost.exe --format xml --output out.xml QELTO_Account QELTO_TimeZone \
   >stdout.txt 2>stderr.txt || fail "--format xml"
 dtd=${2:-}
