@@ -114,7 +114,11 @@ std::string upperDirectoryName(const std::string& directory) {
 
 }  // namespace
 
-std::shared_ptr<Machine> Machine::load(const std::string& dir) {
+std::shared_ptr<Machine> Machine::load(const std::string& dir, const std::string& user) {
+  if (!user.empty()) {
+    if (!isOfflineVolume(dir)) throw MachineError(dir + ": a profile is picked on an offline volume");
+    return loadOfflineVolumeAs(dir, user);
+  }
   std::error_code error;
   if (!fs::exists(dir, error)) throw MachineError(dir + ": no such directory");
   if (!fs::is_directory(dir, error)) throw MachineError(dir + ": not a directory");

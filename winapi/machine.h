@@ -59,7 +59,8 @@ using MachineTime = std::chrono::time_point<std::chrono::system_clock, std::chro
 class Machine {
  public:
   // Reads the machine directory `dir`; throws MachineError.
-  static std::shared_ptr<Machine> load(const std::string& dir);
+  // `user` (not empty) picks the profile of an offline Windows volume.
+  static std::shared_ptr<Machine> load(const std::string& dir, const std::string& user = "");
   // A machine given by the contents of a machine.json, checked as load() checks the file.
   // `directory` may name a directory holding registry/, drive_c/ …; the computer name defaults
   // to its name, or to "LOCALHOST" without one. A `registry` given is the machine's instead of

@@ -58,6 +58,16 @@ void addUser(const Profile& profile, nlohmann::json& facts) {
   if (facts.contains("computerName")) environment["USERDOMAIN"] = facts["computerName"];
 }
 
+std::shared_ptr<Machine> loadVolume(const fs::path& dir, const Profile& profile) {
+  auto registry = std::make_shared<Registry>();
+  for (const char* hive : {"SOFTWARE", "SYSTEM"})
+    if (auto file = hostFile(dir, std::string(kConfig) + hive)) mountNamedHive(*registry, *file);
+  if (!profile.hive.empty()) mountHiveFile(registry->root(Hive::CurrentUser), profile.hive);
+  nlohmann::json facts = registryMachineFacts(*registry);
+  if (!profile.name.empty()) addUser(profile, facts);
+  return Machine::fromDescription(facts, dir.string(), registry);
+}
+
 }  // namespace
 
 bool isOfflineVolume(const fs::path& dir) {
@@ -67,14 +77,14 @@ bool isOfflineVolume(const fs::path& dir) {
 }
 
 std::shared_ptr<Machine> loadOfflineVolume(const fs::path& dir) {
-  auto registry = std::make_shared<Registry>();
-  for (const char* hive : {"SOFTWARE", "SYSTEM"})
-    if (auto file = hostFile(dir, std::string(kConfig) + hive)) mountNamedHive(*registry, *file);
-  Profile profile = lastUsedProfile(dir);
-  if (!profile.hive.empty()) mountHiveFile(registry->root(Hive::CurrentUser), profile.hive);
-  nlohmann::json facts = registryMachineFacts(*registry);
-  if (!profile.name.empty()) addUser(profile, facts);
-  return Machine::fromDescription(facts, dir.string(), registry);
+  return loadVolume(dir, lastUsedProfile(dir));
+}
+
+std::shared_ptr<Machine> loadOfflineVolumeAs(const fs::path& dir, const std::string& user) {
+  auto hive = hostFile(dir, "C:\\Users\\" + user + "\\NTUSER.DAT");
+  if (user.find_first_of("\\/") != std::string::npos || !hive)
+    throw MachineError((dir / "Users" / user / "NTUSER.DAT").string() + ": no such profile");
+  return loadVolume(dir, {user, *hive});
 }
 
 }  // namespace winapi

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 
 namespace winapi {
 
@@ -13,7 +14,11 @@ class Machine;
 // A directory holding Windows/System32/config/SOFTWARE, each component in any case.
 bool isOfflineVolume(const std::filesystem::path& dir);
 // Throws MachineError naming the hive that cannot be read. Nothing on the volume is written.
+// The user is the profile used last.
 std::shared_ptr<Machine> loadOfflineVolume(const std::filesystem::path& dir);
+// The user is the profile Users/<user>; a MachineError when it has no NTUSER.DAT.
+std::shared_ptr<Machine> loadOfflineVolumeAs(const std::filesystem::path& dir,
+                                             const std::string& user);
 
 }  // namespace winapi
 

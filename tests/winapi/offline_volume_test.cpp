@@ -67,6 +67,23 @@ TEST(OfflineVolume, DescriptionComesFromItsHivesAndItsLastUser) {
   EXPECT_EQ(*hive, volume.path() + "/WINDOWS/system32/CONFIG/software");
 }
 
+TEST(OfflineVolume, AUserNamedPicksThatProfile) {
+  TempDirectory volume;
+  makeVolume(volume);
+  auto machine = Machine::load(volume.path(), "OLDUSER");
+  EXPECT_EQ(machine->description()["userName"], "OLDUSER");
+  EXPECT_EQ(machine->environment().find("WHO")->value, "olduser");
+  for (const char* user : {"nobody", "../Users/bob"}) {
+    try {
+      Machine::load(volume.path(), user);
+      ADD_FAILURE() << user << " was found";
+    } catch (const MachineError& error) {
+      EXPECT_EQ(std::string(error.what()),
+                volume.path() + "/Users/" + user + "/NTUSER.DAT: no such profile");
+    }
+  }
+}
+
 TEST(OfflineVolume, ABrokenHiveNamesItsFile) {
   TempDirectory volume;
   makeVolume(volume);

@@ -6,6 +6,7 @@
 
 #include "tools/vrxhost/platform.h"
 #include "winapi/machine.h"
+#include "winapi/offline_volume.h"
 
 namespace vrxhost {
 
@@ -25,10 +26,10 @@ bool replaceFile(const std::string& from, const std::string& to) {
 
 void presentMachine(const Options& options) {
   const std::string dir = options.machine.empty() ? VRX_SAMPLE_MACHINE : options.machine;
-  if (!options.user.empty())
+  if (!options.user.empty() && !winapi::isOfflineVolume(dir))
     throw std::invalid_argument("--user picks a profile of an offline Windows volume; " + dir +
-                                " is a described machine");
-  winapi::setCurrentMachine(winapi::Machine::load(dir));
+                                " is none");
+  winapi::setCurrentMachine(winapi::Machine::load(dir, options.user));
 }
 
 }  // namespace vrxhost
