@@ -11,7 +11,8 @@ namespace winapi {
 std::string emptyHive();
 
 // Writes a hive at `file` holding the keys of `regText` (REGEDIT4 text whose keys start with
-// `prefix`, e.g. "HKEY_LOCAL_MACHINE\\SOFTWARE"). Fails the test when hivexregedit does.
+// `prefix`, e.g. "HKEY_LOCAL_MACHINE\\SOFTWARE"; missing parent keys are made). Fails the test
+// when hivexregedit does.
 void writeHive(const std::string& file, const std::string& prefix, const std::string& regText);
 
 }  // namespace winapi

@@ -1,0 +1,41 @@
+// An offline volume inventories as its described twin does without writing under it (its hives'
+// folder is read-only during the run), and a broken hive stops the run with one line naming it.
+#include "tests/vrxhost/volume_twin.h"
+
+namespace {
+
+// Every entry's name, modification time and bytes: what a write under `root` would change.
+std::string fingerprint(const fs::path& root) {
+  std::string print;
+  for (const auto& entry : fs::recursive_directory_iterator(root))
+    print += entry.path().string() + "@" +
+             std::to_string(entry.last_write_time().time_since_epoch().count()) + ":" +
+             (entry.is_regular_file() ? readFile(entry.path()) : "") + "\n";
+  return print;
+}
+
+TEST_F(Vrxhost, AVolumeInventoriesAsItsDescribedTwin) {
+  makeVolumeTwin(dir / "volume");
+  // Accounts and the like are live figures, which only the described machine has.
+  const std::string registryClasses = "QELTO_ComputerSystem QELTO_InstalledApplication";
+  const Result described = run(registryClasses + " --machine " + registryFixesMachine().string());
+  const std::string before = fingerprint(dir / "volume");
+  fs::permissions(dir / "volume/Windows/System32/config", fs::perms::owner_write,
+                  fs::perm_options::remove);
+  const Result volume = run(registryClasses + " --machine " + (dir / "volume").string());
+  fs::permissions(dir / "volume/Windows/System32/config", fs::perms::owner_write,
+                  fs::perm_options::add);
+  EXPECT_EQ(fingerprint(dir / "volume"), before);
+  ASSERT_EQ(volume.status, 0) << volume.err;
+  EXPECT_NE(volume.out.find("KB958644"), std::string::npos);
+  EXPECT_EQ(volume.out, described.out);
+
+  const fs::path system = dir / "volume/Windows/System32/config/SYSTEM";
+  fs::resize_file(system, 0x1100);
+  const Result broken = run("--machine " + (dir / "volume").string());
+  EXPECT_EQ(broken.status, 1);
+  EXPECT_EQ(broken.err.rfind("vrxhost: " + system.string() + ": ", 0), 0u) << broken.err;
+  EXPECT_EQ(broken.err.find('\n'), broken.err.size() - 1) << broken.err;
+}
+
+}  // namespace
