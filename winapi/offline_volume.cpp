@@ -3,6 +3,7 @@
 // it cannot tell. Its user is the profile whose NTUSER.DAT changed last: the one used last.
 #include "winapi/offline_volume.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -10,6 +11,7 @@
 #include "winapi/host_path.h"
 #include "winapi/machine.h"
 #include "winapi/registry_machine_facts.h"
+#include "winapi/unicode_text.h"
 
 namespace fs = std::filesystem;
 
@@ -18,6 +20,9 @@ namespace winapi {
 namespace {
 
 const char kConfig[] = "C:\\Windows\\System32\\config\\";
+const RegistryPath kMemoryManagement{L"SYSTEM", L"CurrentControlSet", L"Control",
+                                     L"Session Manager", L"Memory Management"};
+constexpr std::uintmax_t kPageSize = 4096;
 
 std::optional<std::string> hostFile(const fs::path& dir, const std::string& windowsPath) {
   return findHostPath(dir.string(), windowsPath);
@@ -48,6 +53,30 @@ Profile lastUsedProfile(const fs::path& dir) {
   return last;
 }
 
+// The page files PagingFiles names ("C:\\pagefile.sys 0 0", "?:\\pagefile.sys" for a system
+// managed one on the system drive) that are on the volume, sized by their files; a machine that
+// is not running has none of their pages in use.
+void addPageFiles(const Registry& registry, const fs::path& dir, nlohmann::json& facts) {
+  const RegistryKey* key = registry.root(Hive::LocalMachine).find(kMemoryManagement);
+  const RegistryValue* paging = key ? key->value(L"PagingFiles") : nullptr;
+  if (!paging) return;
+  std::wstring entries = fromUtf16Bytes(paging->data);
+  for (std::size_t at = 0, end; at < entries.size(); at = end + 1) {
+    end = std::min(entries.find(L'\0', at), entries.size());
+    std::string entry = wideToUtf8(entries.substr(at, end - at));
+    std::string name = entry.substr(0, entry.find(' '));
+    if (name.rfind("?:", 0) == 0) name[0] = 'C';
+    auto file = hostFile(dir, name);
+    std::error_code error;
+    std::uintmax_t size = file ? fs::file_size(*file, error) : 0;
+    if (!file || error) continue;
+    facts["pageFiles"].push_back({{"name", "\\??\\" + name},
+                                  {"totalSize", size / kPageSize},
+                                  {"totalInUse", 0},
+                                  {"peakUsage", 0}});
+  }
+}
+
 void addUser(const Profile& profile, nlohmann::json& facts) {
   facts["userName"] = profile.name;
   nlohmann::json& environment = facts["environment"];
@@ -65,6 +94,7 @@ std::shared_ptr<Machine> loadVolume(const fs::path& dir, const Profile& profile)
   if (!profile.hive.empty()) mountHiveFile(registry->root(Hive::CurrentUser), profile.hive);
   nlohmann::json facts = registryMachineFacts(*registry);
   if (!profile.name.empty()) addUser(profile, facts);
+  addPageFiles(*registry, dir, facts);
   return Machine::fromDescription(facts, dir.string(), registry);
 }
 

@@ -29,7 +29,12 @@ const char kSystem[] =
     "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\ComputerName\\ComputerName]\n"
     "\"ComputerName\"=\"OFFLINE-PC\"\n\n"
     "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\ProductOptions]\n"
-    "\"ProductType\"=\"ServerNT\"\n\n";
+    "\"ProductType\"=\"ServerNT\"\n\n"
+    "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\Session Manager\\Memory Management]\n"
+    // "?:\pagefile.sys", "D:\pagefile.sys 16 32": the second is on another volume.
+    "\"PagingFiles\"=hex(7):3f,00,3a,00,5c,00,70,00,61,00,67,00,65,00,66,00,69,00,6c,00,65,00,"
+    "2e,00,73,00,79,00,73,00,00,00,44,00,3a,00,5c,00,70,00,61,00,67,00,65,00,66,00,69,00,6c,00,"
+    "65,00,2e,00,73,00,79,00,73,00,20,00,31,00,36,00,00,00,00,00\n\n";
 
 // A volume whose path components are spelt as a real one's often are: not as looked up.
 void makeVolume(const TempDirectory& volume) {
@@ -38,6 +43,7 @@ void makeVolume(const TempDirectory& volume) {
             kSoftware);
   writeHive(volume.path() + "/WINDOWS/system32/CONFIG/System", "HKEY_LOCAL_MACHINE\\SYSTEM",
             kSystem);
+  volume.write("PAGEFILE.SYS", std::string(3 * 4096, '\0'));
   for (const char* user : {"olduser", "bob"}) {
     volume.makeDirectory(std::string("Users/") + user);
     writeHive(volume.path() + "/Users/" + user + "/NTUSER.DAT", "HKEY_CURRENT_USER",
@@ -59,6 +65,9 @@ TEST(OfflineVolume, DescriptionComesFromItsHivesAndItsLastUser) {
   EXPECT_EQ(description["version"]["minor"], 3);
   EXPECT_EQ(description["version"]["build"], 19045);
   EXPECT_EQ(description["userName"], "bob");
+  EXPECT_EQ(description["pageFiles"],
+            nlohmann::json::parse(R"([{"name": "\\??\\C:\\pagefile.sys", "totalSize": 3,
+                                       "totalInUse": 0, "peakUsage": 0}])"));
   const EnvironmentBlock::Variable* who = machine->environment().find("WHO");
   ASSERT_NE(who, nullptr);
   EXPECT_EQ(who->value, "bob");
