@@ -3,7 +3,9 @@
 #include <iconv.h>
 
 #include <cerrno>
+#include <algorithm>
 #include <map>
+#include <unordered_map>
 #include <memory>
 #include <utility>
 
@@ -49,57 +51,75 @@ class Converter {
   iconv_t cd_;
 };
 
-// Opening a conversion costs far more than converting one registry name, so each thread keeps
-// the conversions it has opened.
-Converter& converterFor(const std::string& to, const std::string& from) {
-  thread_local std::map<std::pair<std::string, std::string>, std::unique_ptr<Converter>> opened;
-  std::unique_ptr<Converter>& converter = opened[{to, from}];
-  if (!converter) converter = std::make_unique<Converter>(to, from);
-  converter->reset();
-  return *converter;
-}
-
 std::string nameOf(unsigned codePage) {
   auto known = kCharsetNames.find(codePage);
   return known != kCharsetNames.end() ? known->second : "CP" + std::to_string(codePage);
 }
 
-// Whether every ASCII character is that one byte in the code page, so that it needs no
-// conversion: true of the ANSI code pages, not of EBCDIC ones nor of the ISO-2022 and UTF-7
-// families, whose shift states make a character's bytes depend on the ones before it.
-bool keepsAscii(unsigned codePage, const std::string& charset) {
-  if ((codePage >= 50220 && codePage <= 50229) || codePage == 65000) return false;
-  thread_local std::map<std::string, bool> known;
-  auto found = known.find(charset);
-  if (found != known.end()) return found->second;
-  std::wstring ascii;
-  std::string expected;
-  for (char c = 1; c > 0; ++c) {
-    ascii.push_back(static_cast<wchar_t>(c));
-    expected.push_back(c);
+// Both conversions of one code page, opened once per thread: opening one costs far more than
+// converting one registry name.
+struct CodePage {
+  std::string charset;
+  Converter toWide, fromWide;
+  // Every ASCII character is that one byte, so ASCII needs no conversion: true of the ANSI code
+  // pages, not of EBCDIC ones nor of the ISO-2022 and UTF-7 families, whose shift states make a
+  // character's bytes depend on the ones before it.
+  bool keepsAscii = false;
+
+  explicit CodePage(unsigned number)
+      : charset(nameOf(number)), toWide("WCHAR_T", charset), fromWide(charset, "WCHAR_T") {
+    bool shifting = (number >= 50220 && number <= 50229) || number == 65000;
+    keepsAscii = toWide.valid() && fromWide.valid() && !shifting && encodesAsciiAsItself();
   }
-  std::string bytes(ascii.size() * 8, '\0');
-  const char* in = reinterpret_cast<const char*>(ascii.data());
-  std::size_t inLeft = ascii.size() * sizeof(wchar_t), outLeft = bytes.size();
-  char* out = bytes.data();
-  bool same = converterFor(charset, "WCHAR_T").convert(in, inLeft, out, outLeft) == 0 &&
-              std::string(bytes.data(), out) == expected;
-  return known[charset] = same;
+
+ private:
+  bool encodesAsciiAsItself() {
+    std::wstring ascii;
+    std::string expected;
+    for (char c = 1; c > 0; ++c) {
+      ascii.push_back(static_cast<wchar_t>(c));
+      expected.push_back(c);
+    }
+    std::string bytes(ascii.size() * 8, '\0');
+    const char* in = reinterpret_cast<const char*>(ascii.data());
+    std::size_t inLeft = ascii.size() * sizeof(wchar_t), outLeft = bytes.size();
+    char* out = bytes.data();
+    fromWide.reset();
+    return fromWide.convert(in, inLeft, out, outLeft) == 0 &&
+           std::string(bytes.data(), out) == expected;
+  }
+};
+
+// nullptr when iconv does not know the page.
+CodePage* codePage(unsigned number) {
+  thread_local std::unordered_map<unsigned, std::unique_ptr<CodePage>> opened;
+  std::unique_ptr<CodePage>& page = opened[number];
+  if (!page) page = std::make_unique<CodePage>(number);
+  return page->toWide.valid() ? page.get() : nullptr;
+}
+
+bool isAscii(const char* bytes, std::size_t size) {
+  return std::all_of(bytes, bytes + size, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 }  // namespace
 
-std::optional<std::string> charsetOf(unsigned codePage) {
-  std::string name = nameOf(codePage);
-  if (!converterFor("WCHAR_T", name).valid()) return std::nullopt;
-  return name;
+std::optional<std::string> charsetOf(unsigned number) {
+  CodePage* page = codePage(number);
+  if (!page) return std::nullopt;
+  return page->charset;
 }
 
-std::optional<Decoded> decode(unsigned codePage, const char* bytes, std::size_t size) {
-  auto charset = charsetOf(codePage);
-  if (!charset) return std::nullopt;
-  Converter& converter = converterFor("WCHAR_T", *charset);
+std::optional<Decoded> decode(unsigned number, const char* bytes, std::size_t size) {
+  CodePage* page = codePage(number);
+  if (!page) return std::nullopt;
   Decoded result;
+  if (page->keepsAscii && isAscii(bytes, size)) {
+    result.text.assign(bytes, bytes + size);
+    return result;
+  }
+  Converter& converter = page->toWide;
+  converter.reset();
   std::wstring chunk(size + 1, L'\0');
   while (size > 0) {
     char* out = reinterpret_cast<char*>(chunk.data());
@@ -117,12 +137,13 @@ std::optional<Decoded> decode(unsigned codePage, const char* bytes, std::size_t 
   return result;
 }
 
-std::optional<Encoded> encode(unsigned codePage, const wchar_t* text, std::size_t size,
+std::optional<Encoded> encode(unsigned number, const wchar_t* text, std::size_t size,
                               const std::string& defaultChar) {
-  auto charset = charsetOf(codePage);
-  if (!charset) return std::nullopt;
-  const bool ascii = keepsAscii(codePage, *charset);
-  Converter& converter = converterFor(*charset, "WCHAR_T");
+  CodePage* page = codePage(number);
+  if (!page) return std::nullopt;
+  const bool ascii = page->keepsAscii;
+  Converter& converter = page->fromWide;
+  converter.reset();
   Encoded result;
   result.bytes.reserve(size);
   result.ends.reserve(size);

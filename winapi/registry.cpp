@@ -140,7 +140,15 @@ std::size_t nameLength(std::wstring_view name) {
   return std::max(winapi::utf16Bytes(name).size() / 2, ansi(name).size());
 }
 
+// UTF-16LE text of ASCII characters only: no ANSI code page makes it longer than it is stored.
+bool isAsciiUtf16(const std::string& bytes) {
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+    if (bytes[i + 1] != 0 || static_cast<unsigned char>(bytes[i]) >= 0x80) return false;
+  return true;
+}
+
 std::size_t dataLength(const RegistryValue& value) {
+  if (!isText(value.type) || isAsciiUtf16(value.data)) return value.data.size();
   return std::max(value.data.size(), ansiData(value).size());
 }
 

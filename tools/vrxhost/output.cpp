@@ -1,5 +1,6 @@
 #include "tools/vrxhost/output.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -46,17 +47,19 @@ void writeOutput(const std::string& path, const std::string& text) {
 }
 
 std::string machineTextToUtf8(const std::string& text) {
-  if (text.empty()) return text;
+  // Every ANSI code page keeps ASCII as it is.
+  if (std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; })) return text;
+  // One pass each way into buffers of the largest size: a byte is at most one wide character,
+  // and a wide character at most three bytes of UTF-8.
   const int length = static_cast<int>(text.size());
-  const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
+  std::vector<WCHAR> wide(text.size());
+  const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length);
   if (wideLength <= 0) return text;
-  std::vector<WCHAR> wide(static_cast<size_t>(wideLength));
-  MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), wideLength);
-  const int utf8Length =
-      WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideLength, nullptr, 0, nullptr, nullptr);
+  std::string utf8(static_cast<size_t>(wideLength) * 3, '\0');
+  const int utf8Length = WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideLength, &utf8[0],
+                                             static_cast<int>(utf8.size()), nullptr, nullptr);
   if (utf8Length <= 0) return text;
-  std::string utf8(static_cast<size_t>(utf8Length), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideLength, &utf8[0], utf8Length, nullptr, nullptr);
+  utf8.resize(static_cast<size_t>(utf8Length));
   return utf8;
 }
 
