@@ -52,18 +52,40 @@ Json instanceJson(ICIMInstance& instance, const TTextEncoder& toUtf8) {
   return json;
 }
 
+// Text that is still not UTF-8 after conversion must not make the whole document unreadable:
+// such bytes become U+FFFD.
+std::string dump(const Json& json, int indent = -1) {
+  return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+// Every line of `text` after `prefix`.
+std::string indented(const std::string& text, const std::string& prefix) {
+  std::string result = prefix;
+  result.reserve(text.size() + text.size() / 8);
+  for (char c : text) {
+    result += c;
+    if (c == '\n') result += prefix;
+  }
+  return result;
+}
+
 }  // namespace
 
 std::string ExportJson(const std::string& namespaceName, const TInstances& instances,
                        const TTextEncoder& toUtf8) {
-  Json document = Json::object();
-  document["namespace"] = namespaceName;
-  document["instances"] = Json::array();
-  for (const auto& instance : instances)
-    document["instances"].push_back(instanceJson(*instance, toUtf8));
-  // Text that is still not UTF-8 after conversion must not make the whole
-  // document unreadable: such bytes become U+FFFD.
-  return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  // Written one instance at a time, so that a large inventory is never held twice as JSON
+  // values; the text is what dumping the whole document with an indent of 2 gives.
+  Json head = Json::object();
+  head["namespace"] = namespaceName;
+  std::string text = "{\n  \"namespace\": " + dump(head["namespace"]) + ",\n  \"instances\": [";
+  const char* separator = "\n";
+  for (const auto& instance : instances) {
+    text += separator;
+    text += indented(dump(instanceJson(*instance, toUtf8), 2), "    ");
+    separator = ",\n";
+  }
+  text += instances.empty() ? "]\n}\n" : "\n  ]\n}\n";
+  return text;
 }
 
 }  // namespace NZARVEK20
