@@ -76,4 +76,16 @@ nlohmann::json parseMachineText(std::string_view text, const std::string& file) 
   return document;
 }
 
+std::string readMachineBytes(const std::string& file, std::uintmax_t limitMiB) {
+  std::error_code error;
+  std::uintmax_t size = std::filesystem::file_size(file, error);
+  if (error) throw MachineError(file + ": cannot read: " + error.message());
+  if (size > (limitMiB << 20))
+    throw MachineError(file + ": larger than " + std::to_string(limitMiB) + " MiB");
+  std::ifstream in(file, std::ios::binary);
+  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (!in.is_open() || in.bad()) throw MachineError(file + ": cannot read");
+  return bytes;
+}
+
 }  // namespace winapi

@@ -4,14 +4,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include "winapi/code_pages.h"
 #include "winapi/machine.h"
+#include "winapi/machine_file.h"
 #include "winapi/reg_text.h"
 #include "winapi/text.h"
 #include "winapi/windows.h"
@@ -26,7 +25,7 @@ namespace {
 constexpr std::size_t kMaxKeyName = 255;
 constexpr std::size_t kMaxValueName = 16383;
 constexpr std::size_t kMaxDepth = 512;
-constexpr std::uintmax_t kMaxFileSize = 64 << 20;
+constexpr std::uintmax_t kMaxFileMiB = 64;
 
 struct RootKey {
   const wchar_t* name;
@@ -341,17 +340,6 @@ class Parser {
   bool keyDeleted_ = false;     // the last key line was [-key]
 };
 
-std::string readFile(const fs::path& file) {
-  std::error_code error;
-  std::uintmax_t size = fs::file_size(file, error);
-  if (error) throw MachineError(file.string() + ": cannot read: " + error.message());
-  if (size > kMaxFileSize) throw MachineError(file.string() + ": larger than 64 MiB");
-  std::ifstream in(file, std::ios::binary);
-  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (!in.is_open() || in.bad()) throw MachineError(file.string() + ": cannot read");
-  return bytes;
-}
-
 std::vector<fs::path> regFiles(const fs::path& folder) {
   std::error_code error;
   std::vector<fs::path> files;
@@ -387,7 +375,8 @@ std::shared_ptr<Registry> readRegistryFiles(const std::string& directory, unsign
   }
   if (!fs::is_directory(folder, error)) throw MachineError(folder.string() + ": not a directory");
   for (const fs::path& file : regFiles(folder))
-    mergeRegFile(*registry, readFile(file), file.string(), ansiCodePage);
+    mergeRegFile(*registry, readMachineBytes(file.string(), kMaxFileMiB), file.string(),
+                 ansiCodePage);
   return registry;
 }
 

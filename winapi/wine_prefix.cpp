@@ -3,11 +3,10 @@
 // C:\users\<Unix user>); everything else comes from the registry as on Windows.
 #include "winapi/wine_prefix.h"
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "winapi/machine.h"
+#include "winapi/machine_file.h"
 #include "winapi/reg_text.h"
 #include "winapi/registry_machine_facts.h"
 #include "winapi/wine_reg_file.h"
@@ -19,24 +18,13 @@ namespace winapi {
 namespace {
 
 // Far above a prefix's own (a fresh one is under 2 MiB), below what would exhaust memory.
-constexpr std::uintmax_t kMaxFileSize = 256 << 20;
+constexpr std::uintmax_t kMaxFileMiB = 256;
 
 const RegistryPath kProfileList{L"SOFTWARE", L"Microsoft", L"Windows NT", L"CurrentVersion",
                                 L"ProfileList"};
 
-std::string readFile(const fs::path& file) {
-  std::error_code error;
-  std::uintmax_t size = fs::file_size(file, error);
-  if (error) throw MachineError(file.string() + ": cannot read: " + error.message());
-  if (size > kMaxFileSize) throw MachineError(file.string() + ": larger than 256 MiB");
-  std::ifstream in(file, std::ios::binary);
-  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (!in.is_open() || in.bad()) throw MachineError(file.string() + ": cannot read");
-  return bytes;
-}
-
 void merge(Registry& registry, Hive hive, const fs::path& file) {
-  mergeWineRegFile(registry, hive, readFile(file), file.string());
+  mergeWineRegFile(registry, hive, readMachineBytes(file.string(), kMaxFileMiB), file.string());
 }
 
 // The profile folder of the first user in ProfileList, "" when there is none.
