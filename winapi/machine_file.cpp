@@ -83,8 +83,10 @@ std::string readMachineBytes(const std::string& file, std::uintmax_t limitMiB) {
   if (size > (limitMiB << 20))
     throw MachineError(file + ": larger than " + std::to_string(limitMiB) + " MiB");
   std::ifstream in(file, std::ios::binary);
-  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   if (!in.is_open() || in.bad()) throw MachineError(file + ": cannot read");
+  bytes.resize(static_cast<std::size_t>(in.gcount()));
   return bytes;
 }
 
