@@ -1,5 +1,8 @@
 #include "vrxcore/repository_instance.h"
 
+#include <unordered_map>
+#include <vector>
+
 namespace NZARVEK20 {
 namespace {
 
@@ -104,13 +107,21 @@ void TRepositoryClass::EnumerateInstances(const TInstanceCallback& callback, boo
                                           TCIMOptions) {
   auto ns = ns_.lock();
   if (!ns) return;
-  // A copy, so that a callback may commit without upsetting the walk.
-  const auto instances = ns->GetInstances();
-  for (const auto& instance : instances) {
-    auto cimClass = boost::static_pointer_cast<TRepositoryInstance>(instance)->Class();
-    const bool matches = cimClass.get() == this || (deep && cimClass->IsSubclassOf(name_, {}));
-    if (matches && !callback(instance)) return;
+  // The matching instances are gathered first, so that a callback may commit without upsetting
+  // the walk; whether a class matches is decided once per class, not once per instance.
+  std::unordered_map<const TRepositoryClass*, bool> classMatches;
+  std::vector<boost::shared_ptr<ICIMInstance>> matching;
+  for (const auto& instance : ns->GetInstances()) {
+    const auto& cimClass = static_cast<const TRepositoryInstance&>(*instance).Class();
+    auto known = classMatches.find(cimClass.get());
+    if (known == classMatches.end()) {
+      const bool matches = cimClass.get() == this || (deep && cimClass->IsSubclassOf(name_, {}));
+      known = classMatches.emplace(cimClass.get(), matches).first;
+    }
+    if (known->second) matching.push_back(instance);
   }
+  for (const auto& instance : matching)
+    if (!callback(instance)) return;
 }
 
 const std::string& TRepositoryClass::GetSuperClassName(TCIMOptions) {
