@@ -29,9 +29,11 @@ constexpr const char* kNoDirectoryName = "LOCALHOST";
 // collector switch can be given on the Linux command line.
 constexpr std::string_view kOverlayPrefix = "VRX_";
 
+// An entry that is there but cannot be followed (a link to itself) counts, so that reading it
+// reports the fault instead of the machine quietly going without it.
 bool hasEntry(const fs::path& dir, const char* name) {
   std::error_code error;
-  return fs::exists(dir / name, error);
+  return fs::symlink_status(dir / name, error).type() != fs::file_type::not_found && !error;
 }
 
 // Kinds of machine directory, in the order they are tried: a Wine prefix has a drive_c/ too.

@@ -76,6 +76,14 @@ TEST_F(BadInput, UnreadableRegistryFolderStopsTheRunInsteadOfLookingEmpty) {
   expectStopped("--machine " + looped.string(), (looped / "registry").string() + ": cannot read");
 }
 
+TEST_F(BadInput, MachineFileThatCannotBeFollowedStopsTheRun) {
+  const fs::path looped = copyRegistryFixes("looped-json");
+  fs::remove(looped / "machine.json");
+  fs::create_symlink("machine.json", looped / "machine.json");
+  expectStopped("--machine " + looped.string(),
+                (looped / "machine.json").string() + ": not a regular file");
+}
+
 TEST_F(BadInput, RegistryFolderWithoutPermissionsStopsTheRun) {
   if (::geteuid() == 0) GTEST_SKIP() << "a folder without permissions is readable by root";
   const fs::path closed = copyRegistryFixes("closed");
