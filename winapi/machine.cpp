@@ -126,7 +126,9 @@ std::shared_ptr<Machine> Machine::load(const std::string& dir, const std::string
   if (!fs::is_directory(dir, error)) throw MachineError(dir + ": not a directory");
   for (const MachineKind& kind : kKinds)
     if (kind.recognises(dir)) return kind.load(dir);
-  throw MachineError(dir + ": not a machine directory (no machine.json, registry/ or drive_c/)");
+  throw MachineError(dir +
+                     ": not a machine directory (no machine.json, registry/, drive_c/, "
+                     "system.reg with user.reg, or Windows/System32/config/SOFTWARE)");
 }
 
 std::shared_ptr<Machine> Machine::fromDescription(const nlohmann::json& description,

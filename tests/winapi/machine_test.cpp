@@ -57,7 +57,9 @@ TEST(Machine, RefusesWhatIsNotAMachineDirectory) {
   dir.makeDirectory("empty/drive_d");
   EXPECT_EQ(
       loadError(dir.path() + "/empty"),
-      dir.path() + "/empty: not a machine directory (no machine.json, registry/ or drive_c/)");
+      dir.path() +
+          "/empty: not a machine directory (no machine.json, registry/, drive_c/, system.reg "
+          "with user.reg, or Windows/System32/config/SOFTWARE)");
   dir.makeDirectory("odd/machine.json");
   EXPECT_EQ(loadError(dir.path() + "/odd"), dir.path() + "/odd/machine.json: not a regular file");
 }
