@@ -78,13 +78,9 @@ void addPageFiles(const Registry& registry, const fs::path& dir, nlohmann::json&
 }
 
 void addUser(const Profile& profile, nlohmann::json& facts) {
-  facts["userName"] = profile.name;
-  nlohmann::json& environment = facts["environment"];
-  environment["USERNAME"] = profile.name;
-  environment["USERPROFILE"] = "C:\\Users\\" + profile.name;
-  environment["HOMEDRIVE"] = "C:";
-  environment["HOMEPATH"] = "\\Users\\" + profile.name;
-  if (facts.contains("computerName")) environment["USERDOMAIN"] = facts["computerName"];
+  addProfileUser(facts, profile.name, "C:\\Users\\" + profile.name);
+  facts["environment"]["HOMEDRIVE"] = "C:";
+  facts["environment"]["HOMEPATH"] = "\\Users\\" + profile.name;
 }
 
 std::shared_ptr<Machine> loadVolume(const fs::path& dir, const Profile& profile) {

@@ -195,4 +195,12 @@ nlohmann::json registryMachineFacts(const Registry& registry) {
   return facts;
 }
 
+void addProfileUser(nlohmann::json& facts, const std::string& name, const std::string& profile) {
+  facts["userName"] = name;
+  nlohmann::json& environment = facts["environment"];
+  environment["USERNAME"] = name;
+  environment["USERPROFILE"] = profile;
+  if (facts.contains("computerName")) environment["USERDOMAIN"] = facts["computerName"];
+}
+
 }  // namespace winapi

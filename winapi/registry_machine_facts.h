@@ -15,6 +15,10 @@ namespace winapi {
 // order Windows builds the environment: system variables, then the user's.
 nlohmann::json registryMachineFacts(const Registry& registry);
 
+// The profile's user as the machine's user: userName, and USERNAME, USERPROFILE and USERDOMAIN
+// (a local account, whose domain is the computer) in the environment.
+void addProfileUser(nlohmann::json& facts, const std::string& name, const std::string& profile);
+
 }  // namespace winapi
 
 #endif

@@ -44,13 +44,7 @@ std::string profilePath(const Registry& registry) {
 void addUser(const Registry& registry, nlohmann::json& facts) {
   std::string profile = profilePath(registry);
   if (profile.empty()) return;
-  std::string name = profile.substr(profile.find_last_of('\\') + 1);
-  facts["userName"] = name;
-  nlohmann::json& environment = facts["environment"];
-  environment["USERNAME"] = name;
-  environment["USERPROFILE"] = profile;
-  // Wine's user is a local account, whose domain is the computer.
-  if (facts.contains("computerName")) environment["USERDOMAIN"] = facts["computerName"];
+  addProfileUser(facts, profile.substr(profile.find_last_of('\\') + 1), profile);
 }
 
 }  // namespace
