@@ -1,14 +1,17 @@
 // Feeds arbitrary bytes, as registry text would arrive, through every output
-// format: each must stay a valid document of its kind, and MOF must read
-// back into what it was written from.
+// format: each must stay a valid document of its kind, MOF must read back
+// into what it was written from, and JSON strings must come out as
+// nlohmann's dump writes them.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "tests/vrxcore/exported_text.h"
 #include "tests/vrxcore/test_schema.h"
 #include "vrxcore/json_exporter.h"
+#include "vrxcore/json_text.h"
 #include "vrxcore/mof_exporter.h"
 #include "vrxcore/table_exporter.h"
 #include "vrxcore/utf8_text.h"
@@ -54,16 +57,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string text(reinterpret_cast<const char*>(data), size);
   const auto instances = namespaceHolding(text)->GetInstances();
 
-  const std::string mof = ExportMof("root/test", instances, sameText);
+  const std::string mof = exportedText(ExportMof, "root/test", instances, sameText);
   auto loaded = makeTestNamespace();
   LoadMof(*loaded, mof::parseMof(mof, "fuzz.mof"));
-  require(ExportMof("root/test", loaded->GetInstances(), sameText) == mof);
+  require(exportedText(ExportMof, "root/test", loaded->GetInstances(), sameText) == mof);
 
-  nlohmann::json::parse(ExportJson("root/test", instances, sameText));
-  requireText(ExportCimXml("root/test", instances, sameText), [](char32_t c) {
-    return (c >= 0x20 || c == '\n') && c != 0xFFFE && c != 0xFFFF;
-  });
-  requireText(ExportTable("root/test", instances, sameText),
+  nlohmann::json::parse(exportedText(ExportJson, "root/test", instances, sameText));
+  std::string jsonString;
+  AppendJsonString(jsonString, text);
+  require(jsonString ==
+          nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+  requireText(exportedText(ExportCimXml, "root/test", instances, sameText),
+              [](char32_t c) { return (c >= 0x20 || c == '\n') && c != 0xFFFE && c != 0xFFFF; });
+  requireText(exportedText(ExportTable, "root/test", instances, sameText),
               [](char32_t c) { return c == '\n' || !isControlCharacter(c); });
   return 0;
 }

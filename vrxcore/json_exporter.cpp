@@ -1,91 +1,101 @@
 #include "vrxcore/json_exporter.h"
 
-#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "vrxcore/json_text.h"
 
 namespace NZARVEK20 {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-Json scalar(const TCIMValue& value, const TTextEncoder& toUtf8) {
-  if (value.IsNull()) return nullptr;
+void appendScalar(std::string& out, const TCIMValue& value, const TTextEncoder& toUtf8) {
+  if (value.IsNull()) {
+    out += "null";
+    return;
+  }
   switch (static_cast<ECIMType>(value.GetType())) {
     case CIM_BOOLEAN:
-      return value.GetBoolean();
+      out += value.GetBoolean() ? "true" : "false";
+      return;
     case CIM_UINT8:
     case CIM_UINT16:
     case CIM_UINT32:
     case CIM_UINT64:
-      return value.GetUnsigned();
+      out += std::to_string(value.GetUnsigned());
+      return;
     case CIM_SINT8:
     case CIM_SINT16:
     case CIM_SINT32:
     case CIM_SINT64:
-      return value.GetSigned();
+      out += std::to_string(value.GetSigned());
+      return;
     case CIM_REAL32:
     case CIM_REAL64:
-      return value.GetReal();
+      AppendJsonReal(out, value.GetReal());
+      return;
     case CIM_DATETIME:
-      return value.GetDateTime().ToString();
+      AppendJsonString(out, value.GetDateTime().ToString());
+      return;
     default:
-      return ScalarText(value, toUtf8);
+      AppendJsonString(out, ScalarText(value, toUtf8));
   }
 }
 
-Json valueJson(const TCIMValue& value, const TTextEncoder& toUtf8) {
-  if (!value.IsArray()) return scalar(value, toUtf8);
-  Json array = Json::array();
-  for (const TCIMValue& element : value.GetElements()) array.push_back(scalar(element, toUtf8));
-  return array;
+// An array as an indented dump lays it out: one element a line, "[]" when empty.
+void appendValue(std::string& out, const TCIMValue& value, const TTextEncoder& toUtf8) {
+  if (!value.IsArray()) return appendScalar(out, value, toUtf8);
+  if (value.GetElements().empty()) {
+    out += "[]";
+    return;
+  }
+  bool first = true;
+  for (const TCIMValue& element : value.GetElements()) {
+    out += first ? "[\n          " : ",\n          ";
+    appendScalar(out, element, toUtf8);
+    first = false;
+  }
+  out += "\n        ]";
 }
 
-Json instanceJson(ICIMInstance& instance, const TTextEncoder& toUtf8) {
-  Json properties = Json::object();
+void appendProperties(std::string& out, ICIMInstance& instance, const TTextEncoder& toUtf8) {
+  bool empty = true;
   for (const auto& property : PropertiesOf(instance)) {
     const TCIMValue& value = property->GetValue({});
-    if (!value.IsNull()) properties[toUtf8(property->GetName({}))] = valueJson(value, toUtf8);
+    if (value.IsNull()) continue;
+    out += empty ? "{\n        " : ",\n        ";
+    AppendJsonString(out, toUtf8(property->GetName({})));
+    out += ": ";
+    appendValue(out, value, toUtf8);
+    empty = false;
   }
-  Json json = Json::object();
-  json["class"] = instance.GetClass({})->GetName({});
-  json["path"] = toUtf8(instance.GetReference({}).ToString());
-  json["properties"] = std::move(properties);
-  return json;
+  out += empty ? "{}" : "\n      }";
 }
 
-// Text that is still not UTF-8 after conversion must not make the whole document unreadable:
-// such bytes become U+FFFD.
-std::string dump(const Json& json, int indent = -1) {
-  return json.dump(indent, ' ', false, Json::error_handler_t::replace);
-}
-
-// Every line of `text` after `prefix`.
-std::string indented(const std::string& text, const std::string& prefix) {
-  std::string result = prefix;
-  result.reserve(text.size() + text.size() / 8);
-  for (char c : text) {
-    result += c;
-    if (c == '\n') result += prefix;
-  }
-  return result;
+void appendInstance(std::string& out, ICIMInstance& instance, const TTextEncoder& toUtf8) {
+  out += "    {\n      \"class\": ";
+  AppendJsonString(out, instance.GetClass({})->GetName({}));
+  out += ",\n      \"path\": ";
+  AppendJsonString(out, toUtf8(instance.GetReference({}).ToString()));
+  out += ",\n      \"properties\": ";
+  appendProperties(out, instance, toUtf8);
+  out += "\n    }";
 }
 
 }  // namespace
 
-std::string ExportJson(const std::string& namespaceName, const TInstances& instances,
-                       const TTextEncoder& toUtf8) {
-  // Written one instance at a time, so that a large inventory is never held twice as JSON
-  // values; the text is what dumping the whole document with an indent of 2 gives.
-  Json head = Json::object();
-  head["namespace"] = namespaceName;
-  std::string text = "{\n  \"namespace\": " + dump(head["namespace"]) + ",\n  \"instances\": [";
+void ExportJson(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
+                const TTextEncoder& toUtf8) {
+  std::string text = "{\n  \"namespace\": ";
+  AppendJsonString(text, namespaceName);
+  text += ",\n  \"instances\": [";
   const char* separator = "\n";
   for (const auto& instance : instances) {
     text += separator;
-    text += indented(dump(instanceJson(*instance, toUtf8), 2), "    ");
+    appendInstance(text, *instance, toUtf8);
     separator = ",\n";
+    out << text;
+    text.clear();
   }
-  text += instances.empty() ? "]\n}\n" : "\n  ]\n}\n";
-  return text;
+  out << text << (instances.empty() ? "]\n}\n" : "\n  ]\n}\n");
 }
 
 }  // namespace NZARVEK20

@@ -1,6 +1,7 @@
 #include "vrxcore/mof_exporter.h"
 
 #include <cstdio>
+#include <ostream>
 
 #include "vrxcore/utf8_text.h"
 
@@ -71,11 +72,10 @@ std::string instanceDeclaration(ICIMInstance& instance, const TTextEncoder& toUt
 
 }  // namespace
 
-std::string ExportMof(const std::string& namespaceName, const TInstances& instances,
-                      const TTextEncoder& toUtf8) {
-  std::string text = "#pragma namespace(" + quoted(namespaceName, '"') + ")\n";
-  for (const auto& instance : instances) text += "\n" + instanceDeclaration(*instance, toUtf8);
-  return text;
+void ExportMof(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
+               const TTextEncoder& toUtf8) {
+  out << "#pragma namespace(" << quoted(namespaceName, '"') << ")\n";
+  for (const auto& instance : instances) out << "\n" << instanceDeclaration(*instance, toUtf8);
 }
 
 }  // namespace NZARVEK20

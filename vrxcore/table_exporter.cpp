@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <ostream>
 
 #include "vrxcore/utf8_text.h"
 
@@ -192,12 +193,13 @@ class TSectionWriter {
 
 }  // namespace
 
-std::string ExportTable(const std::string&, const TInstances& instances,
-                        const TTextEncoder& toUtf8) {
-  std::string text;
-  for (const TSection& section : sectionsByClass(instances))
-    text += (text.empty() ? "" : "\n") + TSectionWriter(section, toUtf8).Write();
-  return text;
+void ExportTable(std::ostream& out, const std::string&, const TInstances& instances,
+                 const TTextEncoder& toUtf8) {
+  const char* separator = "";
+  for (const TSection& section : sectionsByClass(instances)) {
+    out << separator << TSectionWriter(section, toUtf8).Write();
+    separator = "\n";
+  }
 }
 
 }  // namespace NZARVEK20

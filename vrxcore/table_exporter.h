@@ -1,6 +1,7 @@
 // Writes committed instances as text tables for a terminal.
 #pragma once
 
+#include <iosfwd>
 #include <string>
 
 #include "vrxcore/instance_walk.h"
@@ -15,8 +16,8 @@ namespace NZARVEK20 {
 // with an ellipsis; control characters and bytes that are not UTF-8 show
 // as U+FFFD. Date-times read "2026-11-19 10:31:23 +01:00" or, for
 // intervals, "3d 00:44:07".
-std::string ExportTable(const std::string& namespaceName, const TInstances& instances,
-                        const TTextEncoder& toUtf8);
+void ExportTable(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
+                 const TTextEncoder& toUtf8);
 
 constexpr unsigned kMaxCellWidth = 40;
 constexpr unsigned kTellingColumns = 3;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <ostream>
 #include <utility>
 #include <vector>
 
@@ -37,9 +38,11 @@ std::string escaped(const std::string& utf8) {
 
 using TAttributes = std::initializer_list<std::pair<const char*, std::string>>;
 
-// Writes an indented element tree, one element per line.
+// Writes an indented element tree, one element per line, to a stream when
+// told to.
 class TXmlWriter {
  public:
+  explicit TXmlWriter(std::ostream& stream) : stream_(stream) {}
   void Open(const char* name, TAttributes attributes = {}) {
     StartTag(name, attributes);
     out_ += ">\n";
@@ -59,7 +62,10 @@ class TXmlWriter {
     StartTag(name, attributes);
     out_ += ">" + escaped(utf8) + "</" + name + ">\n";
   }
-  std::string Finish() { return std::move(out_); }
+  void Flush() {
+    stream_ << out_;
+    out_.clear();
+  }
 
  private:
   void Indent() { out_.append(2 * open_.size(), ' '); }
@@ -70,6 +76,7 @@ class TXmlWriter {
       out_ += std::string(" ") + attribute.first + "=\"" + escaped(attribute.second) + "\"";
   }
 
+  std::ostream& stream_;
   std::string out_ = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
   std::vector<std::string> open_;
 };
@@ -89,18 +96,21 @@ const char* keyValueType(ECIMType type) {
 
 class TCimXmlWriter {
  public:
-  explicit TCimXmlWriter(const TTextEncoder& toUtf8) : toUtf8_(toUtf8) {}
+  TCimXmlWriter(std::ostream& out, const TTextEncoder& toUtf8) : toUtf8_(toUtf8), xml_(out) {}
 
-  std::string Document(const std::string& namespaceName, const TInstances& instances) {
+  void Document(const std::string& namespaceName, const TInstances& instances) {
     xml_.Open("CIM", {{"CIMVERSION", "2.0"}, {"DTDVERSION", "2.4"}});
     xml_.Open("DECLARATION");
     xml_.Open("DECLGROUP.WITHNAME");
     NamespacePath(namespaceName);
-    for (const auto& instance : instances) NamedInstance(*instance);
+    for (const auto& instance : instances) {
+      NamedInstance(*instance);
+      xml_.Flush();
+    }
     xml_.Close();
     xml_.Close();
     xml_.Close();
-    return xml_.Finish();
+    xml_.Flush();
   }
 
  private:
@@ -182,9 +192,9 @@ class TCimXmlWriter {
 
 }  // namespace
 
-std::string ExportCimXml(const std::string& namespaceName, const TInstances& instances,
-                         const TTextEncoder& toUtf8) {
-  return TCimXmlWriter(toUtf8).Document(namespaceName, instances);
+void ExportCimXml(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
+                  const TTextEncoder& toUtf8) {
+  TCimXmlWriter(out, toUtf8).Document(namespaceName, instances);
 }
 
 }  // namespace NZARVEK20

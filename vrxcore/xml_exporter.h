@@ -1,6 +1,7 @@
 // Writes committed instances as a CIM-XML declaration document.
 #pragma once
 
+#include <iosfwd>
 #include <string>
 
 #include "vrxcore/instance_walk.h"
@@ -13,7 +14,7 @@ namespace NZARVEK20 {
 // Characters XML 1.0 cannot carry (C0 controls other than tab, line feed
 // and carriage return, NUL included; U+FFFE, U+FFFF) and bytes that are not
 // UTF-8 become U+FFFD.
-std::string ExportCimXml(const std::string& namespaceName, const TInstances& instances,
-                         const TTextEncoder& toUtf8);
+void ExportCimXml(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
+                  const TTextEncoder& toUtf8);
 
 }  // namespace NZARVEK20

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "tests/vrxcore/export_test_instances.h"
+#include "tests/vrxcore/exported_text.h"
 #include "vrxcore/json_exporter.h"
 
 namespace NZARVEK20 {
@@ -19,7 +20,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 
 TEST(MofExporter, WritesEscapedLiteralsArraysAndNullsThatOverrideDefaults) {
   auto ns = makeExportNamespace();
-  const std::string mof = ExportMof("root/test", ns->GetInstances(), latin1Encoder);
+  const std::string mof = exportedText(ExportMof, "root/test", ns->GetInstances(), latin1Encoder);
   EXPECT_EQ(mof.rfind("#pragma namespace(\"root/test\")\n\ninstance of T_System\n{\n"
                       "    CreationClassName = \"T_System\";\n"
                       "    Name = \"WKS<&>\";\n"
@@ -37,20 +38,23 @@ TEST(MofExporter, WritesEscapedLiteralsArraysAndNullsThatOverrideDefaults) {
                      "    Tags = {\"a\", \"b,c\"};\n"),
             std::string::npos)
       << mof;
-  EXPECT_NE(mof.find("    Element = \"T_System.CreationClassName=\\\"T_System\\\",Name=\\\"WKS<&>\\\","
-                     "Number=4000000000\";\n"),
-            std::string::npos);
+  EXPECT_NE(
+      mof.find("    Element = \"T_System.CreationClassName=\\\"T_System\\\",Name=\\\"WKS<&>\\\","
+               "Number=4000000000\";\n"),
+      std::string::npos);
 }
 
 TEST(MofExporter, LoadsBackIntoTheSameInstances) {
   auto original = makeExportNamespace();
-  const std::string mof = ExportMof("root/test", original->GetInstances(), latin1Encoder);
+  const std::string mof =
+      exportedText(ExportMof, "root/test", original->GetInstances(), latin1Encoder);
   auto loaded = makeTestNamespace();
   LoadMof(*loaded, mof::parseMof(mof, "out.mof"));
   // The one thing a MOF string cannot hold is NUL.
-  const std::string expected = replaced(
-      ExportJson("root/test", original->GetInstances(), latin1Encoder), "\\u0000", "\xEF\xBF\xBD");
-  EXPECT_EQ(ExportJson("root/test", loaded->GetInstances(), sameText), expected);
+  const std::string expected =
+      replaced(exportedText(ExportJson, "root/test", original->GetInstances(), latin1Encoder),
+               "\\u0000", "\xEF\xBF\xBD");
+  EXPECT_EQ(exportedText(ExportJson, "root/test", loaded->GetInstances(), sameText), expected);
   EXPECT_TRUE(loaded->GetInstances()[1]->GetProperty("SettingValue", {})->GetValue({}).IsNull());
 }
 
@@ -61,7 +65,7 @@ TEST(MofExporter, AFileItWroteComesOutTheSameAfterLoading) {
   fixture << file.rdbuf();
   auto ns = makeTestNamespace();
   LoadMof(*ns, mof::parseMof(fixture.str(), "instances.mof"));
-  EXPECT_EQ(ExportMof("root/test", ns->GetInstances(), sameText), fixture.str());
+  EXPECT_EQ(exportedText(ExportMof, "root/test", ns->GetInstances(), sameText), fixture.str());
 }
 
 }  // namespace

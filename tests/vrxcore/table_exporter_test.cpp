@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/vrxcore/export_test_instances.h"
+#include "tests/vrxcore/exported_text.h"
 
 namespace NZARVEK20 {
 namespace {
@@ -31,7 +32,7 @@ TEST(TableExporter, OneSectionPerClassWithSharedKeysAboveAlignedRows) {
   changed->SetPropertyValue("SettingID", TCIMValue("TZ"), {});
   changed->SetPropertyValue("Changed", TCIMValue(TCIMDateTime(2026, 11, 2, 9, 5, 30, 5, -330)), {});
   changed->Commit({});
-  EXPECT_EQ(ExportTable("root/test", ns->GetInstances(), sameText),
+  EXPECT_EQ(exportedText(ExportTable, "root/test", ns->GetInstances(), sameText),
             "T_System: 4 instances\n"
             "  CreationClassName = \"\"\n"
             "  Name                                      Number\n"
@@ -39,22 +40,25 @@ TEST(TableExporter, OneSectionPerClassWithSharedKeysAboveAlignedRows) {
             "  plain                                     1\n"
             "  \xE6\x97\xA5\xE6\x9C\xAC                                      22\n"
             "  e\xCC\x81t\xC3\xA9                                       333\n"
-            "  " + std::string(39, 'x') + "\xE2\x80\xA6  4\n"
-            "\n"
-            "T_UserSetting: 1 instance\n"
-            "  SettingID  SettingValue\n"
-            "  ---------  ------------\n"
-            "  TEMP       C:\\Temp\n"
-            "\n"
-            "T_SystemSetting: 1 instance\n"
-            "  SettingID  SettingValue  Changed\n"
-            "  ---------  ------------  --------------------------\n"
-            "  TZ         unset         2026-11-02 09:05:30 -05:30\n");
+            "  " +
+                std::string(39, 'x') +
+                "\xE2\x80\xA6  4\n"
+                "\n"
+                "T_UserSetting: 1 instance\n"
+                "  SettingID  SettingValue\n"
+                "  ---------  ------------\n"
+                "  TEMP       C:\\Temp\n"
+                "\n"
+                "T_SystemSetting: 1 instance\n"
+                "  SettingID  SettingValue  Changed\n"
+                "  ---------  ------------  --------------------------\n"
+                "  TZ         unset         2026-11-02 09:05:30 -05:30\n");
 }
 
 TEST(TableExporter, ReferencesShowTheirTellingKeysAndTextIsMadeSafe) {
   auto ns = makeExportNamespace();
-  const std::string table = ExportTable("root/test", ns->GetInstances(), latin1Encoder);
+  const std::string table =
+      exportedText(ExportTable, "root/test", ns->GetInstances(), latin1Encoder);
   // A single row keeps every key as a column; telling columns are the
   // first set ones, at most three.
   EXPECT_NE(table.find("T_System: 1 instance\n"
@@ -76,7 +80,7 @@ TEST(TableExporter, ReferencesShowTheirTellingKeysAndTextIsMadeSafe) {
                        "  T_System(WKS<&>, 4000000000)  T_SystemSetting(caf\xC3\xA9 \"q\" a\\b" +
                        r + "tab" + r + "line" + r + "|\xE2\x80\xA6\n"),
             std::string::npos);
-  EXPECT_EQ(ExportTable("root/test", {}, sameText), "");
+  EXPECT_EQ(exportedText(ExportTable, "root/test", {}, sameText), "");
 }
 
 }  // namespace

@@ -4,13 +4,14 @@
 
 #include "tests/cim_xml_check.h"
 #include "tests/vrxcore/export_test_instances.h"
+#include "tests/vrxcore/exported_text.h"
 
 namespace NZARVEK20 {
 namespace {
 
 std::string exported() {
   auto ns = makeExportNamespace();
-  return ExportCimXml("root/test", ns->GetInstances(), latin1Encoder);
+  return exportedText(ExportCimXml, "root/test", ns->GetInstances(), latin1Encoder);
 }
 
 // The text between the n-th (0-based) opening of `tag` and its closing.
@@ -94,7 +95,7 @@ TEST(CimXmlExporter, TextLeavesAsUtf8WithoutWhatXmlCannotCarry) {
   auto setting = ns->GetClass("T_UserSetting", {})->AllocateInstance({});
   setting->SetPropertyValue("SettingID", TCIMValue("bad \xFF\xFE end \xEF\xBF\xBE"), {});
   setting->Commit({});
-  EXPECT_NE(ExportCimXml("root/test", ns->GetInstances(), sameText)
+  EXPECT_NE(exportedText(ExportCimXml, "root/test", ns->GetInstances(), sameText)
                 .find(">bad \xEF\xBF\xBD\xEF\xBF\xBD end \xEF\xBF\xBD</KEYVALUE>"),
             std::string::npos);
 }
@@ -102,7 +103,7 @@ TEST(CimXmlExporter, TextLeavesAsUtf8WithoutWhatXmlCannotCarry) {
 TEST(CimXmlExporter, ValidatesAgainstTheDmtfDtd) {
   if (!cimDtdPresent()) GTEST_SKIP() << "no DTD at " << VRX_CIM_DTD;
   EXPECT_EQ(cimXmlErrors(exported()), "");
-  EXPECT_EQ(cimXmlErrors(ExportCimXml("root/test", {}, sameText)), "");
+  EXPECT_EQ(cimXmlErrors(exportedText(ExportCimXml, "root/test", {}, sameText)), "");
   // The check itself catches an invalid document.
   EXPECT_NE(cimXmlErrors("<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\"><DECLARATION/></CIM>"), "");
 }

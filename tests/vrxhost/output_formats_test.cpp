@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/cim_xml_check.h"
+#include "tests/vrxcore/exported_text.h"
 #include "tests/vrxhost/vrxhost_fixture.h"
 #include "vrxcore/json_exporter.h"
 #include "vrxcore/mof_loader.h"
@@ -29,7 +30,8 @@ class OutputFormats : public Vrxhost {
     auto ns = TRepositoryNamespace::Create("root/qelto");
     LoadMofFile(*ns, std::string(VRX_BIN_DIR) + "/qelto.mof");
     LoadMof(*ns, mof::parseMof(mof, "inventory.mof"));
-    return ExportJson(ns->GetName(), ns->GetInstances(), [](const std::string& s) { return s; });
+    return exportedText(ExportJson, ns->GetName(), ns->GetInstances(),
+                        [](const std::string& s) { return s; });
   }
 
   // "Class: N instance(s)" for each class, in order of first appearance.
@@ -102,16 +104,18 @@ TEST_F(OutputFormats, CodePageTextAndControlsLeaveAsValidUtf8) {
   expectAllFormatsValid(machine);
 
   const auto json = nlohmann::json::parse(inventory(machine, "json"));
-  const auto odd = std::find_if(json["instances"].begin(), json["instances"].end(),
-                                [](const auto& i) { return i["properties"].value("ProductVersion", "") == "1.0"; });
+  const auto odd = std::find_if(
+      json["instances"].begin(), json["instances"].end(),
+      [](const auto& i) { return i["properties"].value("ProductVersion", "") == "1.0"; });
   ASSERT_NE(odd, json["instances"].end());
   EXPECT_EQ((*odd)["properties"]["ProductName"], "Odd\x01To");
   EXPECT_EQ((*odd)["properties"]["ProductVendor"], "Caf\xC3\xA9 <&> \"Soci\xC3\xA9t\xC3\xA9\"");
-  EXPECT_NE(inventory(machine, "xml").find(
-                "<VALUE>Caf\xC3\xA9 &lt;&amp;&gt; &quot;Soci\xC3\xA9t\xC3\xA9&quot;</VALUE>"),
+  EXPECT_NE(inventory(machine, "xml")
+                .find("<VALUE>Caf\xC3\xA9 &lt;&amp;&gt; &quot;Soci\xC3\xA9t\xC3\xA9&quot;</VALUE>"),
             std::string::npos);
-  EXPECT_NE(inventory(machine, "xml").find("<KEYVALUE VALUETYPE=\"string\" TYPE=\"string\">"
-                                           "Odd\xEF\xBF\xBDTo</KEYVALUE>"),
+  EXPECT_NE(inventory(machine, "xml")
+                .find("<KEYVALUE VALUETYPE=\"string\" TYPE=\"string\">"
+                      "Odd\xEF\xBF\xBDTo</KEYVALUE>"),
             std::string::npos);
   EXPECT_NE(inventory(machine, "mof").find("ProductName = \"Odd\\x0001To\";"), std::string::npos);
   EXPECT_NE(inventory(machine, "table").find("  Odd\xEF\xBF\xBDTo "), std::string::npos);

@@ -131,7 +131,9 @@ int runOrThrow(const Options& options) {
   plugin->Init();
   collect(*query, manager, *ns, classes, options.verbose);
   plugin->DeInit();
-  writeOutput(options.output, exporter(ns->GetName(), ns->GetInstances(), machineTextToUtf8));
+  writeOutput(options.output, [&](std::ostream& out) {
+    exporter(out, ns->GetName(), ns->GetInstances(), machineTextToUtf8);
+  });
   manager->DestroyPlugins();
   return kExitOk;
 }

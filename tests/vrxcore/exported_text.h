@@ -1,0 +1,18 @@
+// The whole document an exporter writes, for tests that compare its text.
+#pragma once
+
+#include <sstream>
+#include <string>
+
+#include "vrxcore/exporters.h"
+
+namespace NZARVEK20 {
+
+inline std::string exportedText(TExporter exporter, const std::string& namespaceName,
+                                const TInstances& instances, const TTextEncoder& toUtf8) {
+  std::ostringstream out;
+  exporter(out, namespaceName, instances, toUtf8);
+  return out.str();
+}
+
+}  // namespace NZARVEK20
