@@ -2,6 +2,8 @@
 # End-to-end measurement: builds Release, generates machines of 1 000, 10 000 and 100 000
 # applications (H = N/50 HotFix keys, N/50 fix keys, N/100 components and variables, N/1000
 # users), inventories each with vrxhost -v and prints wall time, peak RSS and each class's ms.
+# A second table: the same machine as an offline volume (its registry as hive files), inventoried
+# by vrxhost, against libhivex's own export of the Uninstall key (hivexregedit --export).
 #   bash bench/run.sh [SIZES...]        BUILD_DIR=build/bench by default
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -16,10 +18,16 @@ rm -rf "$work" && mkdir -p "$work"
 for n in "${SIZES[@]}"; do
   "$bin/vrx_make_machine" --template "$BUILD_DIR/machines/sample" --out "$work/m$n" --apps "$n" \
     --hotfixes $((n / 50)) --fixes $((n / 50)) --components $((n / 100)) \
-    --variables $((n / 100)) --users $((n / 1000 + 1)) --seed 1
+    --variables $((n / 100)) --users $((n / 1000 + 1)) --seed 1 --volume "$work/v$n"
   # GNU time's %e and %M: wall seconds and peak resident kilobytes.
   /usr/bin/time -f "%e %M" -o "$work/time$n" \
     "$bin/vrxhost" --machine "$work/m$n" -v --output "$work/out$n.json" 2>"$work/classes$n"
+  /usr/bin/time -f "%e %M" -o "$work/vtime$n" \
+    "$bin/vrxhost" --machine "$work/v$n" -v --output "$work/vout$n.json" 2>"$work/vclasses$n"
+  software=$(find "$work/v$n" -ipath "$work/v$n/windows/system32/config/software")
+  stat -c %s "$software" >"$work/hive$n"
+  /usr/bin/time -f "%e %M" -o "$work/htime$n" \
+    hivexregedit --export "$software" '\Microsoft\Windows\CurrentVersion\Uninstall' >"$work/export$n.reg"
 done
 {
   printf 'class'
@@ -35,4 +43,38 @@ done
   printf '\npeak RSS (MiB)'
   for n in "${SIZES[@]}"; do printf '\t%s' "$(( $(cut -d' ' -f2 "$work/time$n") / 1024 ))"; done
   printf '\n'
+} | column -t -s $'\t'
+
+# One row of the second table: the label $1, then what the function $2 prints for each size.
+row() {
+  printf '%s' "$1"
+  for n in "${SIZES[@]}"; do printf '\t%s' "$("$2" "$n")"; done
+  printf '\n'
+}
+seconds() { cut -d' ' -f1 "$work/$1"; }
+mebibytes() { echo $(( $(cut -d' ' -f2 "$work/$1") / 1024 )); }
+class_field() {
+  awk -F'\t' -v f="$2" '$1=="QELTO_InstalledApplication"{sub(/ ms/,"",$f); print $f}' "$work/vclasses$1"
+}
+hive_size() { awk '{printf "%.1f", $1 / 1048576}' "$work/hive$1"; }
+applications() { class_field "$1" 2; }
+application_ms() { class_field "$1" 3; }
+volume_wall() { seconds "vtime$1"; }
+volume_rss() { mebibytes "vtime$1"; }
+exported_keys() { echo $(( $(grep -c '^\[' "$work/export$1.reg") - 1 )); }
+export_wall() { seconds "htime$1"; }
+export_rss() { mebibytes "htime$1"; }
+echo
+{
+  printf 'offline volume'
+  for n in "${SIZES[@]}"; do printf '\t%s apps' "$n"; done
+  printf '\n'
+  row 'SOFTWARE hive (MiB)' hive_size
+  row 'vrxhost: applications listed' applications
+  row 'vrxhost: QELTO_InstalledApplication (ms)' application_ms
+  row 'vrxhost: wall time (s)' volume_wall
+  row 'vrxhost: peak RSS (MiB)' volume_rss
+  row 'hivexregedit --export Uninstall: keys' exported_keys
+  row 'hivexregedit --export Uninstall: wall time (s)' export_wall
+  row 'hivexregedit --export Uninstall: peak RSS (MiB)' export_rss
 } | column -t -s $'\t'
