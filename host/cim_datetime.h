@@ -40,11 +40,17 @@ class TCIMDateTime {
   bool operator!=(const TCIMDateTime& other) const { return !(*this == other); }
 
  private:
-  enum class Kind { Null, Timestamp, Interval };
+  enum class Kind : unsigned char { Null, Timestamp, Interval };
+  // Parts already checked against their ranges.
+  void SetTime(unsigned short hours, unsigned short minutes, unsigned short seconds,
+               unsigned int microseconds);
+
+  // As small as the ranges allow: a date-time is held inside every value that may carry one.
+  unsigned int day_ = 0, microseconds_ = 0;
+  unsigned short year_ = 0;
+  short utcOffset_ = 0;
+  unsigned char month_ = 0, hours_ = 0, minutes_ = 0, seconds_ = 0;
   Kind kind_;
-  unsigned int year_ = 0, month_ = 0, day_ = 0, hours_ = 0, minutes_ = 0, seconds_ = 0;
-  unsigned int microseconds_ = 0;
-  int utcOffset_ = 0;
 };
 
 }  // namespace NZARVEK20

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "host/cim_datetime.h"
@@ -106,14 +107,15 @@ class TCIMValue {
   bool IsArray() const { return array_; }
   TCIMType GetType() const { return type_; }
 
-  bool GetBoolean() const { return boolean_; }
-  unsigned long long GetUnsigned() const { return unsigned_; }
-  long long GetSigned() const { return signed_; }
-  double GetReal() const { return real_; }
-  const std::string& GetString() const { return string_; }
-  const TCIMDateTime& GetDateTime() const { return dateTime_; }
-  const TCIMReference& GetReference() const { return reference_; }
-  const std::vector<TCIMValue>& GetElements() const { return elements_; }
+  // Each getter gives the empty value of its kind when the value holds another kind.
+  bool GetBoolean() const;
+  unsigned long long GetUnsigned() const;
+  long long GetSigned() const;
+  double GetReal() const;
+  const std::string& GetString() const;
+  const TCIMDateTime& GetDateTime() const;
+  const TCIMReference& GetReference() const;
+  const std::vector<TCIMValue>& GetElements() const;
 
   // The same value as `type`, for integers within its range; throws
   // TVRXException (13) when it does not fit or the kinds differ.
@@ -125,17 +127,16 @@ class TCIMValue {
   operator std::string() const;
 
  private:
+  // Elements are shared between copies: a value never changes once made, only is replaced.
+  using TElements = std::shared_ptr<const std::vector<TCIMValue>>;
+  // One kind of content at a time, so that a value costs little more than its largest kind.
+  using TContent = std::variant<std::monostate, bool, unsigned long long, long long, double,
+                                std::string, TCIMDateTime, TCIMReference, TElements>;
+
   TCIMType type_;
   bool null_ = true;
   bool array_ = false;
-  bool boolean_ = false;
-  unsigned long long unsigned_ = 0;
-  long long signed_ = 0;
-  double real_ = 0;
-  std::string string_;
-  TCIMDateTime dateTime_;
-  TCIMReference reference_;
-  std::vector<TCIMValue> elements_;
+  TContent content_;
 };
 
 using TCIMType = TCIMValue::TCIMType;

@@ -47,14 +47,11 @@ TCIMDateTime::TCIMDateTime(unsigned short year, unsigned short month, unsigned i
 
 TCIMDateTime::TCIMDateTime(unsigned int days, unsigned short hours, unsigned short minutes,
                            unsigned short seconds, unsigned int microseconds)
-    : kind_(Kind::Interval),
-      day_(days),
-      hours_(hours),
-      minutes_(minutes),
-      seconds_(seconds),
-      microseconds_(microseconds) {
+    : kind_(Kind::Interval) {
   if (days > 99999999) invalid("interval of more than 99999999 days");
   checkTime(hours, minutes, seconds, microseconds);
+  day_ = days;
+  SetTime(hours, minutes, seconds, microseconds);
 }
 
 void TCIMDateTime::Set(unsigned short year, unsigned short month, unsigned int day,
@@ -68,13 +65,18 @@ void TCIMDateTime::Set(unsigned short year, unsigned short month, unsigned int d
   if (utcOffsetMinutes < -999 || utcOffsetMinutes > 999) invalid("UTC offset out of range");
   kind_ = Kind::Timestamp;
   year_ = year;
-  month_ = month;
+  month_ = static_cast<unsigned char>(month);
   day_ = day;
-  hours_ = hours;
-  minutes_ = minutes;
-  seconds_ = seconds;
-  microseconds_ = microseconds;
+  SetTime(hours, minutes, seconds, microseconds);
   utcOffset_ = utcOffsetMinutes;
+}
+
+void TCIMDateTime::SetTime(unsigned short hours, unsigned short minutes, unsigned short seconds,
+                           unsigned int microseconds) {
+  hours_ = static_cast<unsigned char>(hours);
+  minutes_ = static_cast<unsigned char>(minutes);
+  seconds_ = static_cast<unsigned char>(seconds);
+  microseconds_ = microseconds;
 }
 
 TCIMDateTime::TCIMDateTime(const std::string& text) : kind_(Kind::Null) {
@@ -100,12 +102,13 @@ std::string TCIMDateTime::ToString() const {
   char text[32];
   if (kind_ == Kind::Null) return std::string();
   if (kind_ == Kind::Interval) {
-    std::snprintf(text, sizeof text, "%08u%02u%02u%02u.%06u:000", day_, hours_, minutes_, seconds_,
-                  microseconds_);
+    std::snprintf(text, sizeof text, "%08u%02u%02u%02u.%06u:000", GetDay(), GetHours(),
+                  GetMinutes(), GetSeconds(), GetMicroseconds());
   } else {
-    std::snprintf(text, sizeof text, "%04u%02u%02u%02u%02u%02u.%06u%c%03d", year_, month_, day_,
-                  hours_, minutes_, seconds_, microseconds_, utcOffset_ < 0 ? '-' : '+',
-                  utcOffset_ < 0 ? -utcOffset_ : utcOffset_);
+    std::snprintf(text, sizeof text, "%04u%02u%02u%02u%02u%02u.%06u%c%03d", GetYear(), GetMonth(),
+                  GetDay(), GetHours(), GetMinutes(), GetSeconds(), GetMicroseconds(),
+                  GetUtcOffset() < 0 ? '-' : '+',
+                  GetUtcOffset() < 0 ? -GetUtcOffset() : GetUtcOffset());
   }
   return text;
 }

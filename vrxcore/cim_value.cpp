@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <memory>
 
 #include "host/cim_interfaces.h"
 
@@ -88,6 +89,14 @@ double parseReal(const std::string& text) {
   return value;
 }
 
+// What `content` holds of kind T, or the empty T.
+template <class T, class Content>
+const T& held(const Content& content) {
+  static const T none{};
+  const T* value = std::get_if<T>(&content);
+  return value ? *value : none;
+}
+
 bool parseBoolean(const std::string& text) {
   std::string lower;
   for (char c : text) lower += static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
@@ -111,44 +120,49 @@ std::string TCIMType::ToString() const { return type_ <= CIM_REFERENCE ? kTypeNa
 bool TCIMType::IsInteger() const { return isUnsignedType(type_) || isSignedType(type_); }
 
 TCIMValue::TCIMValue() = default;
-TCIMValue::TCIMValue(bool value) : type_(CIM_BOOLEAN), null_(false), boolean_(value) {}
-TCIMValue::TCIMValue(unsigned char value) : type_(CIM_UINT8), null_(false), unsigned_(value) {}
-TCIMValue::TCIMValue(unsigned short value) : type_(CIM_UINT16), null_(false), unsigned_(value) {}
-TCIMValue::TCIMValue(unsigned int value) : type_(CIM_UINT32), null_(false), unsigned_(value) {}
-TCIMValue::TCIMValue(unsigned long long value)
-    : type_(CIM_UINT64), null_(false), unsigned_(value) {}
-TCIMValue::TCIMValue(signed char value) : type_(CIM_SINT8), null_(false), signed_(value) {}
-TCIMValue::TCIMValue(short value) : type_(CIM_SINT16), null_(false), signed_(value) {}
-TCIMValue::TCIMValue(int value) : type_(CIM_SINT32), null_(false), signed_(value) {}
-TCIMValue::TCIMValue(long long value) : type_(CIM_SINT64), null_(false), signed_(value) {}
-TCIMValue::TCIMValue(double value) : type_(CIM_REAL64), null_(false), real_(value) {}
+TCIMValue::TCIMValue(bool value) : type_(CIM_BOOLEAN), null_(false), content_(value) {}
+TCIMValue::TCIMValue(unsigned char value)
+    : type_(CIM_UINT8), null_(false), content_(static_cast<unsigned long long>(value)) {}
+TCIMValue::TCIMValue(unsigned short value)
+    : type_(CIM_UINT16), null_(false), content_(static_cast<unsigned long long>(value)) {}
+TCIMValue::TCIMValue(unsigned int value)
+    : type_(CIM_UINT32), null_(false), content_(static_cast<unsigned long long>(value)) {}
+TCIMValue::TCIMValue(unsigned long long value) : type_(CIM_UINT64), null_(false), content_(value) {}
+TCIMValue::TCIMValue(signed char value)
+    : type_(CIM_SINT8), null_(false), content_(static_cast<long long>(value)) {}
+TCIMValue::TCIMValue(short value)
+    : type_(CIM_SINT16), null_(false), content_(static_cast<long long>(value)) {}
+TCIMValue::TCIMValue(int value)
+    : type_(CIM_SINT32), null_(false), content_(static_cast<long long>(value)) {}
+TCIMValue::TCIMValue(long long value) : type_(CIM_SINT64), null_(false), content_(value) {}
+TCIMValue::TCIMValue(double value) : type_(CIM_REAL64), null_(false), content_(value) {}
 TCIMValue::TCIMValue(const char* value) : TCIMValue(std::string(value)) {}
 TCIMValue::TCIMValue(std::string value)
-    : type_(CIM_STRING), null_(false), string_(std::move(value)) {}
+    : type_(CIM_STRING), null_(false), content_(std::move(value)) {}
 TCIMValue::TCIMValue(const TCIMDateTime& value)
-    : type_(CIM_DATETIME), null_(value.IsNull()), dateTime_(value) {}
+    : type_(CIM_DATETIME), null_(value.IsNull()), content_(value) {}
 TCIMValue::TCIMValue(const TCIMReference& value)
-    : type_(CIM_REFERENCE), null_(value.IsNull()), reference_(value) {}
+    : type_(CIM_REFERENCE), null_(value.IsNull()), content_(value) {}
 
 TCIMValue::TCIMValue(TCIMType type, const std::string& text, boost::shared_ptr<ICIMNamespace>)
     : type_(type), null_(false) {
   const ECIMType kind = type;
   if (isUnsignedType(kind)) {
-    unsigned_ = parseUnsigned(text, kind);
+    content_ = parseUnsigned(text, kind);
   } else if (isSignedType(kind)) {
-    signed_ = parseSigned(text, kind);
+    content_ = parseSigned(text, kind);
   } else if (kind == CIM_BOOLEAN) {
-    boolean_ = parseBoolean(text);
+    content_ = parseBoolean(text);
   } else if (kind == CIM_REAL32 || kind == CIM_REAL64) {
-    real_ = parseReal(text);
+    content_ = parseReal(text);
   } else if (kind == CIM_STRING || kind == CIM_CHAR16) {
     if (kind == CIM_CHAR16 && text.size() != 1) mismatch("not one character: \"" + text + "\"");
-    string_ = text;
+    content_ = text;
   } else if (kind == CIM_DATETIME) {
-    dateTime_ = TCIMDateTime(text);
+    content_ = TCIMDateTime(text);
   } else if (kind == CIM_REFERENCE) {
     try {
-      reference_ = TCIMReference::Parse(text);
+      content_ = TCIMReference::Parse(text);
     } catch (const TVRXException& e) {
       mismatch("not an object path: " + e.GetDetail());
     }
@@ -170,11 +184,24 @@ void TCIMValue::Set(TCIMType type, unsigned int count, const std::vector<TCIMVal
     if (elements[i].IsArray()) mismatch("an array as an element of an array");
     converted.push_back(elements[i].ConvertTo(type));
   }
-  *this = TCIMValue();
   type_ = type;
   null_ = false;
   array_ = true;
-  elements_ = std::move(converted);
+  content_ = std::make_shared<const std::vector<TCIMValue>>(std::move(converted));
+}
+
+bool TCIMValue::GetBoolean() const { return held<bool>(content_); }
+unsigned long long TCIMValue::GetUnsigned() const { return held<unsigned long long>(content_); }
+long long TCIMValue::GetSigned() const { return held<long long>(content_); }
+double TCIMValue::GetReal() const { return held<double>(content_); }
+const std::string& TCIMValue::GetString() const { return held<std::string>(content_); }
+const TCIMDateTime& TCIMValue::GetDateTime() const { return held<TCIMDateTime>(content_); }
+const TCIMReference& TCIMValue::GetReference() const { return held<TCIMReference>(content_); }
+
+const std::vector<TCIMValue>& TCIMValue::GetElements() const {
+  static const std::vector<TCIMValue> none;
+  const TElements& elements = held<TElements>(content_);
+  return elements ? *elements : none;
 }
 
 TCIMValue TCIMValue::ConvertTo(TCIMType type) const {
@@ -186,26 +213,26 @@ TCIMValue TCIMValue::ConvertTo(TCIMType type) const {
   }
   if (array_) {
     TCIMValue result;
-    result.Set(type, static_cast<unsigned int>(elements_.size()), elements_);
+    result.Set(type, static_cast<unsigned int>(GetElements().size()), GetElements());
     return result;
   }
   if (!type_.IsInteger() || !type.IsInteger())
     mismatch("a " + type_.ToString() + " value for a " + type.ToString() + " property");
-  const bool negative = isSignedType(from) && signed_ < 0;
+  const bool negative = isSignedType(from) && GetSigned() < 0;
   const unsigned long long magnitude =
-      isSignedType(from) ? static_cast<unsigned long long>(signed_) : unsigned_;
+      isSignedType(from) ? static_cast<unsigned long long>(GetSigned()) : GetUnsigned();
   TCIMValue result;
   result.type_ = type;
   result.null_ = false;
   if (isUnsignedType(to)) {
     if (negative || magnitude > unsignedMax(to)) mismatch("out of range for " + type.ToString());
-    result.unsigned_ = magnitude;
+    result.content_ = magnitude;
   } else {
     if (!negative && magnitude > static_cast<unsigned long long>(signedMax(to)))
       mismatch("out of range for " + type.ToString());
     const long long value = static_cast<long long>(magnitude);
     if (value < -signedMax(to) - 1) mismatch("out of range for " + type.ToString());
-    result.signed_ = value;
+    result.content_ = value;
   }
   return result;
 }
@@ -215,22 +242,22 @@ bool TCIMValue::operator==(const TCIMValue& other) const {
       array_ != other.array_)
     return false;
   if (null_) return true;
-  if (array_) return elements_ == other.elements_;
+  if (array_) return GetElements() == other.GetElements();
   switch (static_cast<ECIMType>(type_)) {
     case CIM_BOOLEAN:
-      return boolean_ == other.boolean_;
+      return GetBoolean() == other.GetBoolean();
     case CIM_REAL32:
     case CIM_REAL64:
-      return real_ == other.real_;
+      return GetReal() == other.GetReal();
     case CIM_CHAR16:
     case CIM_STRING:
-      return string_ == other.string_;
+      return GetString() == other.GetString();
     case CIM_DATETIME:
-      return dateTime_ == other.dateTime_;
+      return GetDateTime() == other.GetDateTime();
     case CIM_REFERENCE:
-      return reference_ == other.reference_;
+      return GetReference() == other.GetReference();
     default:
-      return unsigned_ == other.unsigned_ && signed_ == other.signed_;
+      return GetUnsigned() == other.GetUnsigned() && GetSigned() == other.GetSigned();
   }
 }
 
@@ -238,29 +265,29 @@ TCIMValue::operator std::string() const {
   if (null_) return std::string();
   if (array_) {
     std::string text;
-    for (const TCIMValue& element : elements_)
+    for (const TCIMValue& element : GetElements())
       text += (text.empty() ? "" : ",") + static_cast<std::string>(element);
     return text;
   }
   const ECIMType type = type_;
   char number[40];
-  if (isUnsignedType(type)) return std::to_string(unsigned_);
-  if (isSignedType(type)) return std::to_string(signed_);
+  if (isUnsignedType(type)) return std::to_string(GetUnsigned());
+  if (isSignedType(type)) return std::to_string(GetSigned());
   switch (type) {
     case CIM_BOOLEAN:
-      return boolean_ ? "true" : "false";
+      return GetBoolean() ? "true" : "false";
     case CIM_REAL32:
-      std::snprintf(number, sizeof number, "%.9g", real_);
+      std::snprintf(number, sizeof number, "%.9g", GetReal());
       return number;
     case CIM_REAL64:
-      std::snprintf(number, sizeof number, "%.17g", real_);
+      std::snprintf(number, sizeof number, "%.17g", GetReal());
       return number;
     case CIM_DATETIME:
-      return dateTime_.ToString();
+      return GetDateTime().ToString();
     case CIM_REFERENCE:
-      return reference_.ToString();
+      return GetReference().ToString();
     default:
-      return string_;
+      return GetString();
   }
 }
 

@@ -7,6 +7,7 @@
 #include <boost/weak_ptr.hpp>
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "host/cim_interfaces.h"
@@ -62,11 +63,19 @@ class TRepositoryNamespace : public ICIMNamespace,
   void Store(boost::shared_ptr<TRepositoryInstance> instance);
 
  private:
+  // Committed instances by the hash of their path as IndexKey spells it; instances whose hashes
+  // are equal are told apart by their paths, which saves holding every path as text.
+  using TIndex = std::unordered_multimap<size_t, TRepositoryInstance*>;
+
   explicit TRepositoryNamespace(const std::string& name) : name_(name) {}
   // The path as this namespace spells it, so that lookups ignore the case
   // of names but not of values.
   std::string IndexKey(const TCIMReference& path) const;
-  std::vector<boost::shared_ptr<ICIMInstance>>::iterator Find(const TCIMReference& path);
+  // The entry of the instance whose path IndexKey spells `key`, or the end.
+  TIndex::iterator Lookup(const std::string& key);
+  // The entry of the instance at `path`; throws (NOT_FOUND) when there is none.
+  TIndex::iterator Find(const TCIMReference& path);
+  std::vector<boost::shared_ptr<ICIMInstance>>::iterator PositionOf(const ICIMInstance* instance);
 
   std::string name_;
   std::map<std::string, boost::shared_ptr<TRepositoryClass>> classes_;
@@ -74,7 +83,7 @@ class TRepositoryNamespace : public ICIMNamespace,
   std::map<std::string, boost::shared_ptr<ICIMQualifierDecl>> qualifiers_;
   std::vector<boost::shared_ptr<ICIMQualifierDecl>> qualifierOrder_;
   std::vector<boost::shared_ptr<ICIMInstance>> instances_;
-  std::map<std::string, boost::shared_ptr<ICIMInstance>> index_;
+  TIndex index_;
   std::vector<TInstanceCallback> subscribers_;
   std::vector<boost::shared_ptr<ICIMNamespace>> underlying_;
   boost::shared_ptr<ICIMNamespace> upcall_;

@@ -1,5 +1,6 @@
 #include "vrxcore/repository_instance.h"
 
+#include <boost/make_shared.hpp>
 #include <unordered_map>
 #include <vector>
 
@@ -100,7 +101,7 @@ boost::shared_ptr<ICIMPropertyDecl> TRepositoryClass::GetProperty(const std::str
 boost::shared_ptr<ICIMInstance> TRepositoryClass::AllocateInstance(TCIMOptions) {
   if (IsAbstract({})) throw TVRXException(TVRXStatusCode(VRX_ABSTRACT_CLASS), name_);
   hasInstances_ = true;
-  return boost::shared_ptr<ICIMInstance>(new TRepositoryInstance(shared_from_this()));
+  return boost::make_shared<TRepositoryInstance>(shared_from_this());
 }
 
 void TRepositoryClass::EnumerateInstances(const TInstanceCallback& callback, bool deep,

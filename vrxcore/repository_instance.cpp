@@ -4,14 +4,15 @@ namespace NZARVEK20 {
 
 TRepositoryInstance::TRepositoryInstance(boost::shared_ptr<TRepositoryClass> cimClass)
     : class_(std::move(cimClass)) {
+  properties_.reserve(class_->Properties().size());
   for (const auto& decl : class_->Properties()) {
-    properties_.push_back(boost::shared_ptr<TRepositoryProperty>(new TRepositoryProperty(decl)));
+    properties_.emplace_back(*decl);
     const TCIMValue& initial = decl->GetDefaultValue({});
-    if (!initial.IsNull()) properties_.back()->Assign(initial);
+    if (!initial.IsNull()) properties_.back().Assign(initial);
   }
 }
 
-boost::shared_ptr<TRepositoryProperty> TRepositoryInstance::Find(const std::string& name) const {
+TRepositoryProperty& TRepositoryInstance::Find(const std::string& name) {
   const size_t index = class_->IndexOf(name);
   if (index < properties_.size()) return properties_[index];
   throw TVRXException(TVRXStatusCode(VRX_NO_SUCH_PROPERTY), class_->GetName({}) + "." + name);
@@ -19,39 +20,40 @@ boost::shared_ptr<TRepositoryProperty> TRepositoryInstance::Find(const std::stri
 
 boost::shared_ptr<ICIMProperty> TRepositoryInstance::GetProperty(const std::string& name,
                                                                  TCIMOptions) {
-  return Find(name);
+  return boost::shared_ptr<ICIMProperty>(shared_from_this(), &Find(name));
 }
 
 void TRepositoryInstance::SetPropertyValue(const std::string& name, const TCIMValue& value,
                                            TCIMOptions) {
-  auto property = Find(name);
+  TRepositoryProperty& property = Find(name);
   if (committed_)
     throw TVRXException(TVRXStatusCode(VRX_ALREADY_COMMITTED), class_->GetName({}) + "." + name);
   try {
-    property->Assign(value);
+    property.Assign(value);
   } catch (const TVRXException& e) {
     throw TVRXException(e.GetStatus(), class_->GetName({}) + "." + name + ": " + e.GetDetail());
   }
 }
 
 void TRepositoryInstance::EnumerateProperties(const TPropertyCallback& callback, TCIMOptions) {
-  for (const auto& property : properties_)
-    if (!callback(property)) return;
+  const auto self = shared_from_this();
+  for (auto& property : properties_)
+    if (!callback(boost::shared_ptr<ICIMProperty>(self, &property))) return;
 }
 
 TCIMReference TRepositoryInstance::GetReference(TCIMOptions) {
   TCIMReference::TKeyBindings keys;
   for (const auto& property : properties_)
-    if (property->Decl().IsKey({}) && !property->GetValue({}).IsNull())
-      keys.emplace_back(property->Decl().GetName({}), property->GetValue({}));
+    if (property.Decl().IsKey({}) && !property.Value().IsNull())
+      keys.emplace_back(property.Decl().GetName({}), property.Value());
   return TCIMReference(class_->GetName({}), keys);
 }
 
 void TRepositoryInstance::CheckKeys() const {
   for (const auto& property : properties_)
-    if (property->Decl().IsKey({}) && property->GetValue({}).IsNull())
+    if (property.Decl().IsKey({}) && property.Value().IsNull())
       throw TVRXException(TVRXStatusCode(VRX_KEY_MISSING),
-                          class_->GetName({}) + "." + property->Decl().GetName({}));
+                          class_->GetName({}) + "." + property.Decl().GetName({}));
 }
 
 void TRepositoryInstance::Commit(TCIMOptions) {

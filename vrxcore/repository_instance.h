@@ -7,20 +7,23 @@
 
 namespace NZARVEK20 {
 
+// Held inside its instance and handed out as a pointer that shares the instance's ownership.
 class TRepositoryProperty : public ICIMProperty {
  public:
-  explicit TRepositoryProperty(boost::shared_ptr<TRepositoryPropertyDecl> decl)
-      : decl_(std::move(decl)) {}
+  explicit TRepositoryProperty(TRepositoryPropertyDecl& decl) : decl_(&decl) {}
   TCIMType GetType(TCIMOptions options) override { return decl_->GetType({}); }
   const TCIMValue& GetValue(TCIMOptions options) override { return value_; }
   const std::string& GetName(TCIMOptions options) override { return decl_->GetName({}); }
   bool IsArray(TCIMOptions options) override { return decl_->IsArray({}); }
 
   TRepositoryPropertyDecl& Decl() const { return *decl_; }
+  const TCIMValue& Value() const { return value_; }
   void Assign(const TCIMValue& value) { value_ = decl_->Conform(value); }
 
  private:
-  boost::shared_ptr<TRepositoryPropertyDecl> decl_;
+  // Owned by the class, which the instance keeps alive and which cannot change its
+  // declarations once it has instances.
+  TRepositoryPropertyDecl* decl_;
   TCIMValue value_;
 };
 
@@ -45,10 +48,11 @@ class TRepositoryInstance : public ICIMInstance,
   void MarkCommitted() { committed_ = true; }
 
  private:
-  boost::shared_ptr<TRepositoryProperty> Find(const std::string& name) const;
+  TRepositoryProperty& Find(const std::string& name);
 
   boost::shared_ptr<TRepositoryClass> class_;
-  std::vector<boost::shared_ptr<TRepositoryProperty>> properties_;
+  // One per declared property, in the class's order.
+  std::vector<TRepositoryProperty> properties_;
   bool committed_ = false;
 };
 

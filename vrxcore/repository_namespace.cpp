@@ -27,6 +27,9 @@ class TRepositoryQualifierDecl : public ICIMQualifierDecl {
   throw TVRXException(TVRXStatusCode(code), detail);
 }
 
+// An instance's own path already spells its class and key names as the namespace does.
+std::string ownKey(TRepositoryInstance& instance) { return instance.GetReference({}).ToString(); }
+
 }  // namespace
 
 std::string CIMNameKey(const std::string& name) {
@@ -135,31 +138,43 @@ std::string TRepositoryNamespace::IndexKey(const TCIMReference& path) const {
   return TCIMReference(cimClass->GetName({}), keys).ToString();
 }
 
+TRepositoryNamespace::TIndex::iterator TRepositoryNamespace::Lookup(const std::string& key) {
+  const auto candidates = index_.equal_range(std::hash<std::string>()(key));
+  for (auto entry = candidates.first; entry != candidates.second; ++entry)
+    if (ownKey(*entry->second) == key) return entry;
+  return index_.end();
+}
+
 void TRepositoryNamespace::Store(boost::shared_ptr<TRepositoryInstance> instance) {
-  const std::string key = IndexKey(instance->GetReference({}));
-  if (index_.count(key)) fail(VRX_ALREADY_EXISTS, key);
+  const std::string key = ownKey(*instance);
+  if (Lookup(key) != index_.end()) fail(VRX_ALREADY_EXISTS, key);
   instance->MarkCommitted();
-  index_[key] = instance;
+  index_.emplace(std::hash<std::string>()(key), instance.get());
   instances_.push_back(instance);
   for (const auto& subscriber : subscribers_) subscriber(instance);
 }
 
-std::vector<boost::shared_ptr<ICIMInstance>>::iterator TRepositoryNamespace::Find(
-    const TCIMReference& path) {
-  auto found = index_.find(IndexKey(path));
-  if (found == index_.end()) fail(VRX_NOT_FOUND, path.ToString());
-  return std::find(instances_.begin(), instances_.end(), found->second);
+TRepositoryNamespace::TIndex::iterator TRepositoryNamespace::Find(const TCIMReference& path) {
+  const auto entry = Lookup(IndexKey(path));
+  if (entry == index_.end()) fail(VRX_NOT_FOUND, path.ToString());
+  return entry;
+}
+
+std::vector<boost::shared_ptr<ICIMInstance>>::iterator TRepositoryNamespace::PositionOf(
+    const ICIMInstance* instance) {
+  return std::find_if(instances_.begin(), instances_.end(),
+                      [&](const auto& held) { return held.get() == instance; });
 }
 
 boost::shared_ptr<ICIMInstance> TRepositoryNamespace::GetInstance(const TCIMReference& path,
                                                                   TCIMOptions) {
-  return *Find(path);
+  return Find(path)->second->shared_from_this();
 }
 
 void TRepositoryNamespace::DeleteInstance(const TCIMReference& path, TCIMOptions) {
-  auto position = Find(path);
-  index_.erase(IndexKey(path));
-  instances_.erase(position);
+  const auto entry = Find(path);
+  instances_.erase(PositionOf(entry->second));
+  index_.erase(entry);
 }
 
 void TRepositoryNamespace::ModifyInstance(boost::shared_ptr<ICIMInstance> instance, TCIMOptions) {
@@ -167,11 +182,10 @@ void TRepositoryNamespace::ModifyInstance(boost::shared_ptr<ICIMInstance> instan
   if (!replacement || replacement->IsCommitted({}))
     fail(VRX_INVALID_PARAMETER, "ModifyInstance takes a new, uncommitted instance");
   replacement->CheckKeys();
-  const TCIMReference path = replacement->GetReference({});
-  auto position = Find(path);
+  const auto entry = Find(replacement->GetReference({}));
   replacement->MarkCommitted();
-  *position = replacement;
-  index_[IndexKey(path)] = replacement;
+  *PositionOf(entry->second) = replacement;
+  entry->second = replacement.get();
 }
 
 void TRepositoryNamespace::ExecuteQuery(const std::string& query, const TInstanceCallback& callback,

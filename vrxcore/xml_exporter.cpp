@@ -20,6 +20,11 @@ bool xmlCanCarry(char32_t character) {
 // than the plain space goes as a character reference, so that attribute
 // normalisation and line-end handling give back what was written.
 std::string escaped(const std::string& utf8) {
+  // Most text is printable ASCII without markup and needs no decoding.
+  if (std::all_of(utf8.begin(), utf8.end(), [](char c) {
+        return c >= 0x20 && c < 0x7F && c != '&' && c != '<' && c != '>' && c != '"';
+      }))
+    return utf8;
   std::string out;
   for (const char32_t character : decodeUtf8(utf8)) {
     switch (character) {

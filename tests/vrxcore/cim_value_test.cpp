@@ -89,6 +89,31 @@ TEST(CIMValue, NullReadsAsEmptyTextAndEqualityIsTyped) {
   EXPECT_NE(TCIMValue("a"), TCIMValue("A"));
 }
 
+TEST(CIMValue, EachKindReadsBackAndOtherKindsReadEmpty) {
+  const TCIMValue number(7u), text("x"), path(TCIMReference::Parse("C.K=1"));
+  EXPECT_EQ(number.GetUnsigned(), 7u);
+  EXPECT_EQ(number.GetSigned(), 0);
+  EXPECT_FALSE(number.GetBoolean());
+  EXPECT_EQ(number.GetString(), "");
+  EXPECT_TRUE(number.GetDateTime().IsNull());
+  EXPECT_TRUE(number.GetReference().IsNull());
+  EXPECT_TRUE(number.GetElements().empty());
+  EXPECT_EQ(text.GetUnsigned(), 0u);
+  EXPECT_EQ(text.GetReal(), 0.0);
+  EXPECT_EQ(path.GetReference().ToString(), "C.K=1");
+  EXPECT_EQ(TCIMValue(-3).ConvertTo(CIM_SINT64).GetSigned(), -3);
+
+  // A copy of an array is a value of its own: replacing one leaves the other.
+  TCIMValue array(CIM_UINT16, 2, {TCIMValue(1u), TCIMValue(2u)});
+  TCIMValue copy = array;
+  copy.Set(CIM_UINT16, 1, {TCIMValue(9u)});
+  EXPECT_EQ(static_cast<std::string>(array), "1,2");
+  EXPECT_EQ(static_cast<std::string>(copy), "9");
+  array.Set(CIM_UINT32, 1, array.GetElements());
+  EXPECT_EQ(static_cast<std::string>(array), "1");
+  EXPECT_EQ(static_cast<ECIMType>(array.GetElements()[0].GetType()), CIM_UINT32);
+}
+
 TEST(CIMDateTime, TextIsValidatedStrictly) {
   EXPECT_EQ(TCIMDateTime("20100131000000.000000+000").ToString(), "20100131000000.000000+000");
   EXPECT_EQ(TCIMDateTime("20000229235959.999999-999").GetUtcOffset(), -999);
@@ -119,6 +144,10 @@ TEST(CIMDateTime, PartsAreValidated) {
   EXPECT_EQ(codeOf([] { TCIMDateTime(2026, 1, 1, 0, 0, 0, 0, 1000); }), VRX_INVALID_DATETIME);
   EXPECT_EQ(codeOf([] { TCIMDateTime(2026, 1, 1, 0, 0, 0, 0, -1000); }), VRX_INVALID_DATETIME);
   EXPECT_EQ(codeOf([] { TCIMDateTime(100000000u, 0, 0, 0, 0); }), VRX_INVALID_DATETIME);
+  // The largest parts survive however small they are kept.
+  EXPECT_EQ(TCIMDateTime(9999, 12, 31, 23, 59, 59, 999999, -999).ToString(),
+            "99991231235959.999999-999");
+  EXPECT_EQ(TCIMDateTime(99999999u, 23, 59, 59, 999999).ToString(), "99999999235959.999999:000");
   TCIMDateTime kept(2026, 1, 1, 0, 0, 0, 0, 0);
   EXPECT_EQ(codeOf([&] { kept.Set(2026, 2, 1, 25, 0, 0, 0, 0); }), VRX_INVALID_DATETIME);
   EXPECT_EQ(kept.ToString(), "20260101000000.000000+000");

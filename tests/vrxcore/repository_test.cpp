@@ -116,6 +116,51 @@ TEST(Repository, CommitNeedsEveryKeyAndANewPath) {
   EXPECT_EQ(ns->GetInstances().size(), 1u);
 }
 
+TEST(Repository, PathsFindTheirInstancesThroughModifyDeleteAndClear) {
+  auto ns = makeTestNamespace();
+  setting(*ns, "T_UserSetting", "A");
+  auto b = setting(*ns, "T_UserSetting", "B");
+  setting(*ns, "T_UserSetting", "C");
+  const TCIMReference pathOfB = b->GetReference({});
+
+  auto newB = ns->GetClass("T_UserSetting", {})->AllocateInstance({});
+  newB->SetPropertyValue("SettingID", TCIMValue("B"), {});
+  newB->SetPropertyValue("SettingValue", TCIMValue("new"), {});
+  ns->ModifyInstance(newB, {});
+  EXPECT_EQ(ns->GetInstance(pathOfB, {}), newB);
+  EXPECT_EQ(ns->GetInstances()[1], newB);
+  EXPECT_EQ(codeOf([&] { setting(*ns, "T_UserSetting", "B"); }), VRX_ALREADY_EXISTS);
+
+  ns->DeleteInstance(pathOfB, {});
+  EXPECT_EQ(ids(*ns->GetClass("T_Setting", {}), true), (std::vector<std::string>{"A", "C"}));
+  EXPECT_EQ(codeOf([&] { ns->DeleteInstance(pathOfB, {}); }), VRX_NOT_FOUND);
+  setting(*ns, "T_UserSetting", "B");
+  EXPECT_EQ(ids(*ns->GetClass("T_Setting", {}), true), (std::vector<std::string>{"A", "C", "B"}));
+
+  ns->ClearInstances({});
+  EXPECT_EQ(codeOf([&] { ns->GetInstance(pathOfB, {}); }), VRX_NOT_FOUND);
+  setting(*ns, "T_UserSetting", "B");
+  EXPECT_EQ(ns->GetInstances().size(), 1u);
+}
+
+TEST(Repository, PropertiesHandedOutKeepTheirInstanceAlive) {
+  auto instance = makeTestNamespace()->GetClass("T_UserSetting", {})->AllocateInstance({});
+  instance->SetPropertyValue("SettingID", TCIMValue("PATH"), {});
+  auto id = instance->GetProperty("settingid", {});
+  std::vector<boost::shared_ptr<ICIMProperty>> all;
+  instance->EnumerateProperties(TAddToVectorCallback<ICIMProperty>(all), {});
+  const boost::weak_ptr<ICIMInstance> watched = instance;
+  instance.reset();
+  EXPECT_EQ(id->GetName({}), "SettingID");
+  EXPECT_EQ(id->GetValue({}).GetString(), "PATH");
+  ASSERT_EQ(all.size(), 2u);
+  EXPECT_EQ(all[1]->GetValue({}).GetString(), "unset");
+  id.reset();
+  EXPECT_FALSE(watched.expired());
+  all.clear();
+  EXPECT_TRUE(watched.expired());
+}
+
 TEST(Repository, DeepEnumerationFindsSubclassesInCommitOrder) {
   auto ns = makeTestNamespace();
   setting(*ns, "T_SystemSetting", "PATH");
