@@ -97,7 +97,7 @@ class Machine {
   // Fault injection. `dll` in any spelling ("PSAPI", "psapi.dll"); an empty `function` asks
   // whether the whole DLL is missing. Function names are compared exactly, as GetProcAddress does.
   bool isMissing(const std::string& dll, const std::string& function = "") const;
-  const InjectedFailure* injectedFailure(const std::string& function) const;
+  const InjectedFailure* injectedFailure(const char* function) const;
 
  private:
   Machine() = default;

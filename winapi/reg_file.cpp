@@ -146,15 +146,27 @@ class Parser {
     key_ = remove ? nullptr : &makeKey(target);
     if (!remove) return;
     if (target.path.empty()) fail(statement, at + 2, "a root key cannot be deleted");
+    made_.clear();
     RegistryPath parent(target.path.begin(), target.path.end() - 1);
     if (RegistryKey* key = registry_.root(target.hive).find(parent))
       key->removeSubKey(target.path.back());
   }
 
-  // Regedit makes the keys on the way as well.
+  // Regedit makes the keys on the way as well. A key mostly shares its parents with the key
+  // before it, so the walk starts below the part of the path the two have in common.
   RegistryKey& makeKey(const Target& target) {
-    RegistryKey* key = &registry_.root(target.hive);
-    for (const std::wstring& name : target.path) key = &key->makeSubKey(name);
+    std::size_t common = 0;
+    if (madeHive_ == target.hive)
+      while (common < std::min(made_.size(), target.path.size()) &&
+             compareIgnoringCase(made_[common]->name(), target.path[common]) == 0)
+        ++common;
+    made_.resize(common);
+    madeHive_ = target.hive;
+    RegistryKey* key = common ? made_.back() : &registry_.root(target.hive);
+    for (std::size_t depth = common; depth < target.path.size(); ++depth) {
+      key = &key->makeSubKey(target.path[depth]);
+      made_.push_back(key);
+    }
     return *key;
   }
 
@@ -338,6 +350,9 @@ class Parser {
   std::size_t next_ = 1;        // the line to read next; line 0 is the header
   RegistryKey* key_ = nullptr;  // where values go
   bool keyDeleted_ = false;     // the last key line was [-key]
+  // The keys of the path last made, from the hive's root down; emptied when a key is deleted.
+  std::vector<RegistryKey*> made_;
+  Hive madeHive_ = Hive::LocalMachine;
 };
 
 std::vector<fs::path> regFiles(const fs::path& folder) {

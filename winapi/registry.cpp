@@ -74,12 +74,17 @@ std::optional<KeyPlace> placeOf(HKEY handle) {
   return std::nullopt;
 }
 
-// The place of `handle` when the handle may do `right`; else the error.
-LSTATUS placeFor(HKEY handle, REGSAM right, KeyPlace& place) {
-  std::optional<KeyPlace> found = placeOf(handle);
-  if (!found) return ERROR_INVALID_HANDLE;
-  if ((found->access & right) != right) return ERROR_ACCESS_DENIED;
-  place = std::move(*found);
+// The key of `handle` when the handle may do `right`; else the error. Read without copying the
+// handle's place: the machine, or the handle, keeps the key alive for the call.
+LSTATUS keyFor(HKEY handle, REGSAM right, const RegistryKey*& key) {
+  if (predefined(handle)) {
+    key = placeOf(handle)->key;
+    return ERROR_SUCCESS;
+  }
+  const OpenKey* open = winapi::checkHandle<OpenKey>(handle);
+  if (!open) return ERROR_INVALID_HANDLE;
+  if ((open->place.access & right) != right) return ERROR_ACCESS_DENIED;
+  key = open->place.key;
   return ERROR_SUCCESS;
 }
 
@@ -97,10 +102,22 @@ std::string ansi(std::wstring_view text) {
 
 bool isText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
 
+// UTF-16LE text of ASCII characters only: no ANSI code page makes it longer than it is stored.
+bool isAsciiUtf16(const std::string& bytes) {
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+    if (bytes[i + 1] != 0 || static_cast<unsigned char>(bytes[i]) >= 0x80) return false;
+  return true;
+}
+
 // Data as the A functions give it: text converted from UTF-16LE, every character of the stored
 // bytes (terminators too), the rest as stored.
 std::string ansiData(const RegistryValue& value) {
-  return isText(value.type) ? ansi(winapi::fromUtf16Bytes(value.data)) : value.data;
+  if (!isText(value.type)) return value.data;
+  // ASCII is the same in every ANSI code page: one byte per unit, an odd last byte dropped.
+  if (!isAsciiUtf16(value.data)) return ansi(winapi::fromUtf16Bytes(value.data));
+  std::string bytes(value.data.size() / 2, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = value.data[2 * i];
+  return bytes;
 }
 
 // "A\B\C" below the handle's key; nullopt for an empty component other than a trailing one.
@@ -140,13 +157,6 @@ std::size_t nameLength(std::wstring_view name) {
   // ASCII is one unit and one byte in every ANSI code page.
   if (std::all_of(name.begin(), name.end(), [](wchar_t c) { return c < 0x80; })) return name.size();
   return std::max(winapi::utf16Bytes(name).size() / 2, ansi(name).size());
-}
-
-// UTF-16LE text of ASCII characters only: no ANSI code page makes it longer than it is stored.
-bool isAsciiUtf16(const std::string& bytes) {
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-    if (bytes[i + 1] != 0 || static_cast<unsigned char>(bytes[i]) >= 0x80) return false;
-  return true;
 }
 
 std::size_t dataLength(const RegistryValue& value) {
@@ -231,24 +241,23 @@ extern "C" LSTATUS WINAPI RegQueryInfoKeyA(HKEY hKey, LPSTR lpClass, LPDWORD lpc
   using namespace winapi;
   if (auto failed = injected<LSTATUS>("RegQueryInfoKeyA", Reports::ByReturnValue)) return *failed;
   if (lpReserved || (lpClass && !lpcchClass)) return ERROR_INVALID_PARAMETER;
-  KeyPlace place;
-  if (LSTATUS error = placeFor(hKey, KEY_QUERY_VALUE, place)) return error;
+  const RegistryKey* key = nullptr;
+  if (LSTATUS error = keyFor(hKey, KEY_QUERY_VALUE, key)) return error;
   // Keys have no class here: an empty one.
   if (lpClass && *lpcchClass == 0) return ERROR_MORE_DATA;
   if (lpClass) *lpClass = '\0';
   put(lpcchClass, 0);
-  const RegistryKey& key = *place.key;
   std::size_t longestSubKey = 0, longestName = 0, longestData = 0;
-  for (const auto& subKey : key.subKeys())
+  for (const auto& subKey : key->subKeys())
     longestSubKey = std::max(longestSubKey, nameLength(subKey->name()));
-  for (const RegistryValue& value : key.values()) {
+  for (const RegistryValue& value : key->values()) {
     longestName = std::max(longestName, nameLength(value.name));
     longestData = std::max(longestData, dataLength(value));
   }
-  put(lpcSubKeys, key.subKeys().size());
+  put(lpcSubKeys, key->subKeys().size());
   put(lpcbMaxSubKeyLen, longestSubKey);
   put(lpcbMaxClassLen, 0);
-  put(lpcValues, key.values().size());
+  put(lpcValues, key->values().size());
   put(lpcbMaxValueNameLen, longestName);
   put(lpcbMaxValueLen, longestData);
   put(lpcbSecurityDescriptor, 0);
@@ -263,9 +272,9 @@ extern "C" LSTATUS WINAPI RegEnumKeyExA(HKEY hKey, DWORD dwIndex, LPSTR lpName, 
   if (auto failed = injected<LSTATUS>("RegEnumKeyExA", Reports::ByReturnValue)) return *failed;
   if (!lpName || !lpcchName || lpReserved || (lpClass && !lpcchClass))
     return ERROR_INVALID_PARAMETER;
-  KeyPlace place;
-  if (LSTATUS error = placeFor(hKey, KEY_ENUMERATE_SUB_KEYS, place)) return error;
-  const RegistryKey::SubKeys& subKeys = place.key->subKeys();
+  const RegistryKey* key = nullptr;
+  if (LSTATUS error = keyFor(hKey, KEY_ENUMERATE_SUB_KEYS, key)) return error;
+  const RegistryKey::SubKeys& subKeys = key->subKeys();
   if (dwIndex >= subKeys.size()) return ERROR_NO_MORE_ITEMS;
   std::string name = ansi(subKeys[dwIndex]->name());
   // The name and its terminator must fit; the count stays as it was when they do not.
@@ -285,9 +294,9 @@ extern "C" LSTATUS WINAPI RegEnumValueA(HKEY hKey, DWORD dwIndex, LPSTR lpValueN
   if (auto failed = injected<LSTATUS>("RegEnumValueA", Reports::ByReturnValue)) return *failed;
   if (!lpValueName || !lpcchValueName || lpReserved || (lpData && !lpcbData))
     return ERROR_INVALID_PARAMETER;
-  KeyPlace place;
-  if (LSTATUS error = placeFor(hKey, KEY_QUERY_VALUE, place)) return error;
-  const std::vector<RegistryValue>& values = place.key->values();
+  const RegistryKey* key = nullptr;
+  if (LSTATUS error = keyFor(hKey, KEY_QUERY_VALUE, key)) return error;
+  const std::vector<RegistryValue>& values = key->values();
   if (dwIndex >= values.size()) return ERROR_NO_MORE_ITEMS;
   const RegistryValue& value = values[dwIndex];
   std::string name = ansi(value.name);
@@ -309,10 +318,10 @@ extern "C" LSTATUS WINAPI RegQueryValueExA(HKEY hKey, LPCSTR lpValueName, LPDWOR
   using namespace winapi;
   if (auto failed = injected<LSTATUS>("RegQueryValueExA", Reports::ByReturnValue)) return *failed;
   if (lpReserved || (lpData && !lpcbData)) return ERROR_INVALID_PARAMETER;
-  KeyPlace place;
-  if (LSTATUS error = placeFor(hKey, KEY_QUERY_VALUE, place)) return error;
+  const RegistryKey* key = nullptr;
+  if (LSTATUS error = keyFor(hKey, KEY_QUERY_VALUE, key)) return error;
   // A null or empty name is the default value.
-  const RegistryValue* value = place.key->value(lpValueName ? wide(lpValueName) : L"");
+  const RegistryValue* value = key->value(lpValueName ? wide(lpValueName) : L"");
   if (!value) return ERROR_FILE_NOT_FOUND;
   if (lpType) *lpType = value->type;
   DataOutput output(*value, lpData, lpcbData);

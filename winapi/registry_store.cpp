@@ -16,9 +16,9 @@ constexpr std::uint32_t kFirstSupplementary = 0x10000;
 // Windows upper-cases registry names with its Unicode table; glibc's C.UTF-8 locale has the
 // same simple mappings for the characters names use.
 wchar_t upperCase(wchar_t c) {
+  if (c < 0x80) return c >= L'a' && c <= L'z' ? c - L'a' + L'A' : c;
   static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t{});
-  if (c < 0x80 || !unicode) return c >= L'a' && c <= L'z' ? c - L'a' + L'A' : c;
-  return static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), unicode));
+  return unicode ? static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), unicode)) : c;
 }
 
 void appendUnit(std::string& bytes, std::uint32_t unit) {
@@ -94,8 +94,15 @@ const RegistryKey::SubKeys& RegistryKey::subKeys() const {
   return subKeys_;
 }
 
+std::size_t RegistryKey::FoldedHash::operator()(std::wstring_view name) const {
+  // FNV-1a over the upper-cased characters.
+  std::size_t hash = 14695981039346656037ull;
+  for (wchar_t c : name) hash = (hash ^ static_cast<std::uint32_t>(upperCase(c))) * 1099511628211ull;
+  return hash;
+}
+
 const RegistryKey* RegistryKey::subKey(std::wstring_view name) const {
-  auto found = subKeyIndex_.find(upperCased(name));
+  auto found = subKeyIndex_.find(name);
   return found == subKeyIndex_.end() ? nullptr : found->second;
 }
 
@@ -128,23 +135,25 @@ RegistryKey* RegistryKey::find(const RegistryPath& path) {
 }
 
 RegistryKey& RegistryKey::makeSubKey(std::wstring_view name) {
-  RegistryKey*& key = subKeyIndex_[upperCased(name)];
-  if (key) return *key;
+  auto found = subKeyIndex_.find(name);
+  if (found != subKeyIndex_.end()) return *found->second;
   subKeys_.push_back(std::make_unique<RegistryKey>(std::wstring(name)));
-  key = subKeys_.back().get();
+  RegistryKey* key = subKeys_.back().get();
+  subKeyIndex_.emplace(key->name(), key);
   if (sorted_ && subKeys_.size() > 1)
     sorted_ = compareIgnoringCase(subKeys_[subKeys_.size() - 2]->name(), name) < 0;
   return *key;
 }
 
 void RegistryKey::removeSubKey(std::wstring_view name) {
-  auto indexed = subKeyIndex_.find(upperCased(name));
+  auto indexed = subKeyIndex_.find(name);
   if (indexed == subKeyIndex_.end()) return;
-  subKeys_.erase(std::find_if(subKeys_.begin(), subKeys_.end(),
-                              [&](const std::unique_ptr<RegistryKey>& key) {
-                                return key.get() == indexed->second;
-                              }));
+  const RegistryKey* removed = indexed->second;
+  // The index entry views the key's name: it goes first.
   subKeyIndex_.erase(indexed);
+  subKeys_.erase(std::find_if(
+      subKeys_.begin(), subKeys_.end(),
+      [&](const std::unique_ptr<RegistryKey>& key) { return key.get() == removed; }));
 }
 
 void RegistryKey::setValue(RegistryValue value) {

@@ -66,10 +66,21 @@ class RegistryKey {
 
   void indexValues() const;
 
+  // Names hashed and compared as Windows compares them, so that a lookup copies nothing.
+  struct FoldedHash {
+    std::size_t operator()(std::wstring_view name) const;
+  };
+  struct FoldedEqual {
+    bool operator()(std::wstring_view a, std::wstring_view b) const {
+      return compareIgnoringCase(a, b) == 0;
+    }
+  };
+
   std::wstring name_;
   mutable SubKeys subKeys_;
   mutable bool sorted_ = true;
-  std::unordered_map<std::wstring, RegistryKey*> subKeyIndex_;  // by upper-cased name
+  // Views of the sub-keys' own names, which stay where they are while the sub-key lives.
+  std::unordered_map<std::wstring_view, RegistryKey*, FoldedHash, FoldedEqual> subKeyIndex_;
   std::vector<RegistryValue> values_;
   // Value positions by upper-cased name; built once a key has more than kValuesScanned values.
   mutable std::unordered_map<std::wstring, std::size_t> valueIndex_;

@@ -104,6 +104,30 @@ TEST(RegFile, FilesMergeInNameOrderWithTheirDeletions) {
   EXPECT_TRUE(registry.root(Hive::LocalMachine).find({L"SOFTWARE", L"Classes", L".txt"}));
 }
 
+// Keys that share their parents with the key before them, in another spelling, in the other
+// hive, and again after a deletion of one of those parents.
+TEST(RegFile, KeysAfterOneAnotherLandWhereTheirPathsSay) {
+  Registry registry;
+  winapi::mergeRegFile(registry,
+                       kHeader +
+                           "[HKEY_LOCAL_MACHINE\\A\\B\\C]\r\n\"v\"=\"1\"\r\n"
+                           "[HKEY_LOCAL_MACHINE\\a\\b\\D]\r\n\"v\"=\"2\"\r\n"
+                           "[HKEY_CURRENT_USER\\A\\B\\C]\r\n\"v\"=\"3\"\r\n"
+                           "[-HKEY_LOCAL_MACHINE\\A\\B]\r\n"
+                           "[HKEY_LOCAL_MACHINE\\A\\B\\C\\E]\r\n\"v\"=\"4\"\r\n",
+                       "x.reg", 1252);
+  const RegistryKey& machine = registry.root(Hive::LocalMachine);
+  ASSERT_EQ(machine.subKeys().size(), 1u);
+  const RegistryKey* b = machine.find({L"A", L"B"});
+  ASSERT_TRUE(b);
+  // The deleted key took C and D with it; C came back, empty but for E.
+  ASSERT_EQ(b->subKeys().size(), 1u);
+  EXPECT_TRUE(b->subKeys()[0]->values().empty());
+  EXPECT_EQ(valueOf(machine.find({L"A", L"B", L"C", L"E"}), L"v"), Typed(REG_SZ, utf16(L"4")));
+  EXPECT_EQ(valueOf(registry.root(Hive::CurrentUser).find({L"a", L"b", L"c"}), L"v"),
+            Typed(REG_SZ, utf16(L"3")));
+}
+
 TEST(RegFile, MalformedFilesNameTheLineAndColumn) {
   const std::string key = kHeader + "[HKEY_CURRENT_USER\\a]\r\n";
   const std::pair<std::string, const char*> cases[] = {
