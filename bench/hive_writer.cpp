@@ -24,10 +24,10 @@ constexpr std::size_t kBinHeader = 0x20;
 constexpr std::size_t kCellAlignment = 8;
 constexpr std::uint32_t kNone = 0xFFFFFFFF;
 constexpr std::uint32_t kInlineData = 0x80000000;
-// Windows keeps a cell's data below this and splits longer data into segments of this size.
+// Windows keeps at most this much data in one cell, longer data in segments of this size.
 constexpr std::size_t kMaxCellData = 16344;
-// libhivex 1.3.23 reads a segment as its cell's size less 8 bytes, not less 4, and so loses up to
-// four bytes of a short last segment (16 345 bytes read back as 16 344): segments get 4 bytes spare.
+// libhivex 1.3.23 takes a segment to hold its cell's size less 8 bytes, not less 4, and so drops
+// up to four bytes of a short last segment (16 345 read back as 16 344): segments get 4 spare.
 constexpr std::size_t kSegmentSpare = 4;
 // Windows keeps each leaf list to about a thousand sub-keys, more under an index root.
 constexpr std::size_t kListEntries = 1000;
@@ -253,8 +253,7 @@ class HiveBuilder {
     if (entries.size() <= kListEntries) return writeLeaf(entries.data(), entries.size());
     std::vector<std::uint32_t> leaves;
     for (std::size_t at = 0; at < entries.size(); at += kListEntries)
-      leaves.push_back(
-          writeLeaf(entries.data() + at, std::min(kListEntries, entries.size() - at)));
+      leaves.push_back(writeLeaf(entries.data() + at, std::min(kListEntries, entries.size() - at)));
     std::uint32_t cell = allocate(4 + 4 * leaves.size());
     putBytes(cell + 4, "ri");
     put16(cell + 4 + 0x02, static_cast<std::uint16_t>(leaves.size()));

@@ -52,8 +52,11 @@ RegistryKey sampleTree() {
   values.setValue({L"Caf\u00e9", REG_SZ, winapi::utf16Bytes(L"cr\u00e8me")});
   values.setValue({L"\u0417\u043d\u0430\u0447\u0435\u043d\u0438\u0435", REG_EXPAND_SZ,
                    winapi::utf16Bytes(L"%SystemRoot%")});
-  root.makeSubKey(L"Cl\u00e9").makeSubKey(L"\u041a\u043b\u044e\u0447").makeSubKey(L"a").makeSubKey(
-      L"b").setValue({L"Deep", REG_DWORD, bytesOf(4, 9)});
+  root.makeSubKey(L"Cl\u00e9")
+      .makeSubKey(L"\u041a\u043b\u044e\u0447")
+      .makeSubKey(L"a")
+      .makeSubKey(L"b")
+      .setValue({L"Deep", REG_DWORD, bytesOf(4, 9)});
   RegistryKey& many = root.makeSubKey(L"Many");
   for (const std::string& name : manyNames())
     many.makeSubKey(std::wstring(name.begin(), name.end()))
@@ -69,7 +72,8 @@ void expectSameTree(const RegistryKey& expected, const RegistryKey& actual) {
     EXPECT_EQ(want.name, got.name);
     EXPECT_EQ(want.type, got.type) << winapi::toUtf8(want.name);
     // Compared as a whole, reported by size and first difference: the data runs to 40 000 bytes.
-    auto differs = std::mismatch(want.data.begin(), want.data.end(), got.data.begin(), got.data.end());
+    auto differs =
+        std::mismatch(want.data.begin(), want.data.end(), got.data.begin(), got.data.end());
     EXPECT_TRUE(want.data == got.data)
         << winapi::toUtf8(want.name) << ": " << got.data.size() << " bytes, not "
         << want.data.size() << "; first difference at " << differs.first - want.data.begin();

@@ -33,8 +33,7 @@ RegistryKey& makePath(RegistryKey& key, const winapi::RegistryPath& path) {
 
 // Sets a text value unless the key has one of that name: the described machine's own wins.
 void keepOrSetText(RegistryKey& key, const wchar_t* name, const std::string& text) {
-  if (!key.value(name))
-    key.setValue({name, REG_SZ, winapi::utf16Bytes(winapi::utf8ToWide(text))});
+  if (!key.value(name)) key.setValue({name, REG_SZ, winapi::utf16Bytes(winapi::utf8ToWide(text))});
 }
 
 // Facts machine.json gives that a volume keeps in its hives, and the registry/*.reg read once,
@@ -82,8 +81,8 @@ fs::path makeFolder(fs::path root, std::initializer_list<const char*> names) {
 void writeMachineHives(const DescribedMachine& machine, const fs::path& config) {
   RegistryKey& localMachine = machine.registry->root(winapi::Hive::LocalMachine);
   RegistryKey& software = localMachine.makeSubKey(L"SOFTWARE");
-  keepOrSetText(makePath(software, {L"Microsoft", L"Windows NT", L"CurrentVersion"}),
-                L"SystemRoot", machine.facts->windowsDirectory());
+  keepOrSetText(makePath(software, {L"Microsoft", L"Windows NT", L"CurrentVersion"}), L"SystemRoot",
+                machine.facts->windowsDirectory());
   writeHiveFile(software, config / "SOFTWARE");
   writeHiveFile(systemHive(localMachine.makeSubKey(L"SYSTEM"), machine.facts->computerName()),
                 config / "SYSTEM");
