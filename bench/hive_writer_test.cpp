@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <random>
+#include <set>
 #include <vector>
 
 #include "tests/winapi/test_machine.h"
@@ -102,6 +104,46 @@ std::vector<std::string> listedNames(const std::string& file, const char* key) {
   return names;
 }
 
+// The records of a hive counted by signature, walking its bins cell by cell.
+struct Census {
+  bool tiled = true;  // bins and cells fill the file exactly, with sizes Windows accepts
+  std::map<std::string, std::size_t> records;
+  std::size_t longestLeaf = 0;
+};
+
+Census census(const std::string& hive) {
+  auto number = [&](std::size_t at, int bytes) {
+    std::uint32_t value = 0;
+    for (int i = bytes - 1; i >= 0; --i)
+      value = value << 8 | static_cast<std::uint8_t>(hive[at + i]);
+    return value;
+  };
+  Census result, broken;
+  broken.tiled = false;
+  std::size_t bin = 0x1000;
+  for (std::size_t size; bin + 0x20 <= hive.size(); bin += size) {
+    size = number(bin + 8, 4);
+    if (hive.compare(bin, 4, "hbin") != 0 || number(bin + 4, 4) != bin - 0x1000 || size == 0 ||
+        size % 0x1000 != 0 || bin + size > hive.size())
+      return broken;
+    std::size_t cell = bin + 0x20;
+    for (std::size_t length; cell < bin + size; cell += length) {
+      auto raw = static_cast<std::int32_t>(number(cell, 4));
+      length = static_cast<std::size_t>(raw < 0 ? -static_cast<std::int64_t>(raw) : raw);
+      if (length < 8 || length % 8 != 0) return broken;
+      std::string signature = hive.substr(cell + 4, 2);
+      if (raw >= 0 || !std::set<std::string>{"nk", "vk", "sk", "lh", "ri", "db"}.count(signature))
+        continue;
+      ++result.records[signature];
+      if (signature == "lh")
+        result.longestLeaf = std::max<std::size_t>(result.longestLeaf, number(cell + 6, 2));
+    }
+    result.tiled = result.tiled && cell == bin + size;
+  }
+  result.tiled = result.tiled && bin == hive.size() && number(0x28, 4) == hive.size() - 0x1000;
+  return result;
+}
+
 TEST(HiveWriter, AHiveReadsBackKeyForKeyValueForValueInWindowsOrder) {
   TempDirectory work;
   const std::string file = work.path() + "/SOFTWARE";
@@ -117,6 +159,16 @@ TEST(HiveWriter, AHiveReadsBackKeyForKeyValueForValueInWindowsOrder) {
     return winapi::asciiUpper(a) < winapi::asciiUpper(b);
   });
   EXPECT_EQ(listedNames(file, "Many"), expected);
+
+  // 2 511 keys, 2 515 values, the one descriptor; the 2 504 sub-keys of Many in three leaves
+  // of at most a thousand under one index root, the others' in one leaf each; two values in
+  // segments.
+  const Census records = census(hiveBytes(tree));
+  EXPECT_TRUE(records.tiled);
+  EXPECT_EQ(records.records,
+            (std::map<std::string, std::size_t>{
+                {"nk", 2511}, {"vk", 2515}, {"sk", 1}, {"lh", 7}, {"ri", 1}, {"db", 2}}));
+  EXPECT_EQ(records.longestLeaf, 1000u);
 }
 
 TEST(HiveWriter, AnEmptyRootIsAHiveAndAFileThatCannotBeWrittenIsReported) {
