@@ -1,7 +1,7 @@
 #include <algorithm>
-#include <cctype>
 
 #include "host/cim_interfaces.h"
+#include "vrxcore/cim_name.h"
 
 namespace NZARVEK20 {
 
@@ -11,12 +11,6 @@ struct TCIMReference::TPath {
 };
 
 namespace {
-
-std::string lowered(const std::string& text) {
-  std::string lower(text);
-  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return lower;
-}
 
 std::string quoted(const std::string& text) {
   std::string out = "\"";
@@ -79,9 +73,8 @@ TCIMReference::TCIMReference(const std::string& className, const TKeyBindings& k
   auto path = std::make_shared<TPath>();
   path->className = className;
   path->keys = keys;
-  std::stable_sort(path->keys.begin(), path->keys.end(), [](const auto& a, const auto& b) {
-    return lowered(a.first) < lowered(b.first);
-  });
+  std::stable_sort(path->keys.begin(), path->keys.end(),
+                   [](const auto& a, const auto& b) { return CIMNameLess(a.first, b.first); });
   path_ = path;
 }
 
@@ -127,11 +120,11 @@ std::string TCIMReference::ToString() const {
 bool TCIMReference::operator==(const TCIMReference& other) const {
   if (IsNull() || other.IsNull()) return IsNull() == other.IsNull();
   const TKeyBindings &mine = GetKeyBindings(), &theirs = other.GetKeyBindings();
-  if (lowered(GetInstanceClassName()) != lowered(other.GetInstanceClassName()) ||
+  if (CIMNameKey(GetInstanceClassName()) != CIMNameKey(other.GetInstanceClassName()) ||
       mine.size() != theirs.size())
     return false;
   for (size_t i = 0; i < mine.size(); ++i)
-    if (lowered(mine[i].first) != lowered(theirs[i].first) ||
+    if (CIMNameKey(mine[i].first) != CIMNameKey(theirs[i].first) ||
         keyValueText(mine[i].second) != keyValueText(theirs[i].second))
       return false;
   return true;

@@ -11,14 +11,12 @@
 #include <vector>
 
 #include "host/cim_interfaces.h"
+#include "vrxcore/cim_name.h"
 
 namespace NZARVEK20 {
 
 class TRepositoryClass;
 class TRepositoryInstance;
-
-// Lower-cased copy, for names that CIM compares without regard to case.
-std::string CIMNameKey(const std::string& name);
 
 class TRepositoryNamespace : public ICIMNamespace,
                              public boost::enable_shared_from_this<TRepositoryNamespace> {

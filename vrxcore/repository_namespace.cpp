@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cctype>
 #include <sstream>
 
 #include "vrxcore/repository_instance.h"
@@ -31,12 +30,6 @@ class TRepositoryQualifierDecl : public ICIMQualifierDecl {
 std::string ownKey(TRepositoryInstance& instance) { return instance.GetReference({}).ToString(); }
 
 }  // namespace
-
-std::string CIMNameKey(const std::string& name) {
-  std::string key(name);
-  for (char& c : key) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return key;
-}
 
 boost::shared_ptr<TRepositoryNamespace> TRepositoryNamespace::Create(const std::string& name) {
   return boost::shared_ptr<TRepositoryNamespace>(new TRepositoryNamespace(name));

@@ -173,6 +173,13 @@ TEST(CIMReference, PathsSortKeysQuoteAndEscape) {
                                              "ComputerSystem\\\",Name=\\\"WKS-042\\\"\"")),
             outer);
   EXPECT_NE(TCIMReference::Parse("X.Count=8,csName=TRUE,name=\"a\",Part=\"\""), outer);
+  // '_' sorts between upper and lower case letters unless case is ignored.
+  EXPECT_EQ(TCIMReference("Y", {{"Zed", TCIMValue(1u)},
+                                {"_id", TCIMValue(2u)},
+                                {"ab", TCIMValue(3u)},
+                                {"A", TCIMValue(4u)}})
+                .ToString(),
+            "Y._id=2,A=4,ab=3,Zed=1");
   for (const char* bad : {"", ".A=1", "X.A", "X.A=\"open", "X.A=1B=2", "X.A=maybe"})
     EXPECT_EQ(codeOf([&] { TCIMReference::Parse(bad); }), VRX_INVALID_PARAMETER) << bad;
 }
