@@ -12,27 +12,37 @@ struct TCIMReference::TPath {
 
 namespace {
 
-std::string quoted(const std::string& text) {
-  std::string out = "\"";
+void appendQuoted(std::string& out, const std::string& text) {
+  out += '"';
   for (char c : text) {
     if (c == '\\' || c == '"') out += '\\';
     out += c;
   }
-  return out + "\"";
+  out += '"';
+}
+
+void appendKeyValue(std::string& out, const TCIMValue& value) {
+  switch (static_cast<ECIMType>(value.GetType())) {
+    case CIM_BOOLEAN:
+      out += value.GetBoolean() ? "TRUE" : "FALSE";
+      return;
+    case CIM_STRING:
+    case CIM_CHAR16:
+      appendQuoted(out, value.GetString());
+      return;
+    case CIM_DATETIME:
+    case CIM_REFERENCE:
+      appendQuoted(out, static_cast<std::string>(value));
+      return;
+    default:
+      out += static_cast<std::string>(value);
+  }
 }
 
 std::string keyValueText(const TCIMValue& value) {
-  switch (static_cast<ECIMType>(value.GetType())) {
-    case CIM_BOOLEAN:
-      return value.GetBoolean() ? "TRUE" : "FALSE";
-    case CIM_STRING:
-    case CIM_CHAR16:
-    case CIM_DATETIME:
-    case CIM_REFERENCE:
-      return quoted(static_cast<std::string>(value));
-    default:
-      return static_cast<std::string>(value);
-  }
+  std::string text;
+  appendKeyValue(text, value);
+  return text;
 }
 
 [[noreturn]] void malformed(const std::string& path, size_t at, const std::string& why) {
@@ -73,8 +83,10 @@ TCIMReference::TCIMReference(const std::string& className, const TKeyBindings& k
   auto path = std::make_shared<TPath>();
   path->className = className;
   path->keys = keys;
-  std::stable_sort(path->keys.begin(), path->keys.end(),
-                   [](const auto& a, const auto& b) { return CIMNameLess(a.first, b.first); });
+  // A stable insertion sort: a path has few keys, and this needs no buffer.
+  const auto byName = [](const auto& a, const auto& b) { return CIMNameLess(a.first, b.first); };
+  for (auto next = path->keys.begin(); next != path->keys.end(); ++next)
+    std::rotate(std::upper_bound(path->keys.begin(), next, *next, byName), next, next + 1);
   path_ = path;
 }
 
@@ -111,7 +123,10 @@ std::string TCIMReference::ToString() const {
   std::string text = path_->className;
   char separator = '.';
   for (const auto& key : path_->keys) {
-    text += separator + key.first + "=" + keyValueText(key.second);
+    text += separator;
+    text += key.first;
+    text += '=';
+    appendKeyValue(text, key.second);
     separator = ',';
   }
   return text;
