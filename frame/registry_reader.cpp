@@ -27,7 +27,7 @@ bool queryInfo(HKEY key, KeyInfo& info) {
 
 }  // namespace
 
-bool RegistryReader::openKey(HKEY* result, HKEY hive, std::string path) {
+bool RegistryReader::openKey(HKEY* result, HKEY hive, const std::string& path) {
   REGSAM mask = kKeyRead;
   if (runsUnderWow64() && path.find("Uninstall") == std::string::npos) mask = kKeyRead64;
   return RegOpenKeyExA(hive, path.c_str(), 0, mask, result) != ERROR_SUCCESS;
@@ -111,7 +111,7 @@ std::string RegistryReader::queryValue(HKEY key, const std::string& name, DWORD 
   return decodeValue(data.data(), type, size);
 }
 
-FactMap RegistryReader::readValues(std::string path, FactMap wanted) {
+FactMap RegistryReader::readValues(const std::string& path, const FactMap& wanted) {
   FactMap values;
   RegistryKey opened(path);
   KeyInfo info;
@@ -134,8 +134,8 @@ void RegistryReader::enumerateSubKeys(std::vector<std::string>& result, std::str
   RegistryKey opened(path);
   KeyInfo info;
   if (!opened.key || !queryInfo(opened.key, info)) return;
+  std::vector<char> name(kSubKeyNameBuffer, '\0');
   for (DWORD index = 0; index < info.subKeys; ++index) {
-    std::vector<char> name(kSubKeyNameBuffer, '\0');
     DWORD size = kSubKeyNameBuffer;
     // A sub-key that vanished since the count was taken is passed over.
     if (RegEnumKeyExA(opened.key, index, name.data(), &size, nullptr, nullptr, nullptr,

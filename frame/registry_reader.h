@@ -17,7 +17,7 @@ class RegistryReader {
   // False on success, true on failure. A 32-bit process on 64-bit Windows
   // reads the 64-bit view, except for Uninstall keys, whose 32-bit view is
   // the one it means.
-  bool openKey(HKEY* result, HKEY hive, std::string path);
+  bool openKey(HKEY* result, HKEY hive, const std::string& path);
   // False on success; true for a null key or a failed close.
   bool closeKey(HKEY* key);
 
@@ -25,7 +25,7 @@ class RegistryReader {
   FactMap readAllValues(HKEY hive, std::string path);
   FactMap readAllValues(std::string path);
   // `wanted` maps a result key to a value name under HKEY_LOCAL_MACHINE.
-  FactMap readValues(std::string path, FactMap wanted);
+  FactMap readValues(const std::string& path, const FactMap& wanted);
   // Appends path + "\\" + name for each sub-key, in the registry's order.
   void enumerateSubKeys(std::vector<std::string>& result, std::string path);
 

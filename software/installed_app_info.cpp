@@ -66,9 +66,9 @@ const PatternSet& InstalledAppInfo::hotfixPatterns() {
 
 bool InstalledAppInfo::isHotfix(std::string name) { return hotfixPatterns().occursIn(name); }
 
-bool InstalledAppInfo::isApplication(FactMap record) {
+bool InstalledAppInfo::isApplication(const FactMap& record) {
   if (!hasValue(record, constants::kProductName)) return false;
-  const std::string& name = record[constants::kProductName];
+  const std::string& name = record.at(constants::kProductName);
   if (!seenIndex.insert(name).second) return false;
   seenNames.push_back(name);
   return !isHotfix(name);

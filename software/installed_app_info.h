@@ -22,7 +22,7 @@ class InstalledAppInfo : public GetInfo {
   FactList getInfo();
   // True for a record with a name that is new and that is no fix; the
   // name is remembered either way.
-  bool isApplication(FactMap record);
+  bool isApplication(const FactMap& record);
   bool isHotfix(std::string name);
   static bool hasValue(const FactMap& record, const std::string& name);
   // SystemID (the machine's name) and CollectionID ("").

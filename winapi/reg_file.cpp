@@ -3,8 +3,11 @@
 #include "winapi/reg_file.h"
 
 #include <algorithm>
+#include <atomic>
+#include <exception>
 #include <filesystem>
 #include <optional>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -371,6 +374,61 @@ std::vector<fs::path> regFiles(const fs::path& folder) {
   return files;
 }
 
+// Whether the text deletes keys or values: such a file acts on what the files before it wrote,
+// so it is read in its turn. A line that only looks so costs no more than that.
+bool deletesAnything(const RegText& text) {
+  for (const std::wstring& line : text.lines) {
+    std::size_t at = line.find_first_not_of(kRegBlanks);
+    if (at != std::wstring::npos && line.compare(at, 2, L"[-") == 0) return true;
+    for (std::size_t equals = line.find(L'='); equals != std::wstring::npos;
+         equals = line.find(L'=', equals + 1)) {
+      std::size_t next = line.find_first_not_of(kRegBlanks, equals + 1);
+      if (next != std::wstring::npos && line[next] == L'-') return true;
+    }
+  }
+  return false;
+}
+
+// One file read apart from the others: its keys, or its text when it deletes, or its error.
+struct FileContents {
+  std::unique_ptr<Registry> keys;
+  std::optional<RegText> text;
+  std::exception_ptr error;
+};
+
+FileContents readApart(const std::string& file, unsigned ansiCodePage) {
+  FileContents contents;
+  try {
+    RegText text = decodeRegText(readMachineBytes(file, kMaxFileMiB), file, ansiCodePage);
+    if (deletesAnything(text)) {
+      contents.text = std::move(text);
+      return contents;
+    }
+    contents.keys = std::make_unique<Registry>();
+    Parser(*contents.keys, text, file, ansiCodePage).run();
+  } catch (...) {
+    contents.error = std::current_exception();
+  }
+  return contents;
+}
+
+// The files are read on every processor at once; what they hold is merged in name order.
+std::vector<FileContents> readAllApart(const std::vector<std::string>& files,
+                                       unsigned ansiCodePage) {
+  std::vector<FileContents> contents(files.size());
+  std::atomic<std::size_t> next{0};
+  auto work = [&] {
+    for (std::size_t at; (at = next++) < files.size();)
+      contents[at] = readApart(files[at], ansiCodePage);
+  };
+  std::size_t threads = std::min<std::size_t>(std::thread::hardware_concurrency(), files.size());
+  std::vector<std::thread> others;
+  for (std::size_t i = 1; i < threads; ++i) others.emplace_back(work);
+  work();
+  for (std::thread& thread : others) thread.join();
+  return contents;
+}
+
 }  // namespace
 
 void mergeRegFile(Registry& registry, std::string_view bytes, const std::string& file,
@@ -389,9 +447,19 @@ std::shared_ptr<Registry> readRegistryFiles(const std::string& directory, unsign
     return registry;
   }
   if (!fs::is_directory(folder, error)) throw MachineError(folder.string() + ": not a directory");
-  for (const fs::path& file : regFiles(folder))
-    mergeRegFile(*registry, readMachineBytes(file.string(), kMaxFileMiB), file.string(),
-                 ansiCodePage);
+  std::vector<std::string> files;
+  for (const fs::path& file : regFiles(folder)) files.push_back(file.string());
+  std::vector<FileContents> contents = readAllApart(files, ansiCodePage);
+  for (std::size_t at = 0; at < files.size(); ++at) {
+    FileContents& file = contents[at];
+    if (file.error) std::rethrow_exception(file.error);
+    if (file.text) {
+      Parser(*registry, *file.text, files[at], ansiCodePage).run();
+      continue;
+    }
+    for (Hive hive : {Hive::LocalMachine, Hive::CurrentUser})
+      registry->root(hive).absorb(std::move(file.keys->root(hive)));
+  }
   return registry;
 }
 

@@ -97,7 +97,8 @@ const RegistryKey::SubKeys& RegistryKey::subKeys() const {
 std::size_t RegistryKey::FoldedHash::operator()(std::wstring_view name) const {
   // FNV-1a over the upper-cased characters.
   std::size_t hash = 14695981039346656037ull;
-  for (wchar_t c : name) hash = (hash ^ static_cast<std::uint32_t>(upperCase(c))) * 1099511628211ull;
+  for (wchar_t c : name)
+    hash = (hash ^ static_cast<std::uint32_t>(upperCase(c))) * 1099511628211ull;
   return hash;
 }
 
@@ -137,12 +138,32 @@ RegistryKey* RegistryKey::find(const RegistryPath& path) {
 RegistryKey& RegistryKey::makeSubKey(std::wstring_view name) {
   auto found = subKeyIndex_.find(name);
   if (found != subKeyIndex_.end()) return *found->second;
-  subKeys_.push_back(std::make_unique<RegistryKey>(std::wstring(name)));
-  RegistryKey* key = subKeys_.back().get();
-  subKeyIndex_.emplace(key->name(), key);
+  return adopt(std::make_unique<RegistryKey>(std::wstring(name)));
+}
+
+RegistryKey& RegistryKey::adopt(std::unique_ptr<RegistryKey> key) {
+  subKeys_.push_back(std::move(key));
+  RegistryKey* adopted = subKeys_.back().get();
+  subKeyIndex_.emplace(adopted->name(), adopted);
   if (sorted_ && subKeys_.size() > 1)
-    sorted_ = compareIgnoringCase(subKeys_[subKeys_.size() - 2]->name(), name) < 0;
-  return *key;
+    sorted_ = compareIgnoringCase(subKeys_[subKeys_.size() - 2]->name(), adopted->name()) < 0;
+  return *adopted;
+}
+
+void RegistryKey::absorb(RegistryKey&& other) {
+  for (RegistryValue& value : other.values_) setValue(std::move(value));
+  // A sub-key new here comes over whole, with everything below it.
+  for (std::unique_ptr<RegistryKey>& subKey : other.subKeys_) {
+    auto found = subKeyIndex_.find(subKey->name());
+    if (found != subKeyIndex_.end())
+      found->second->absorb(std::move(*subKey));
+    else
+      adopt(std::move(subKey));
+  }
+  other.subKeyIndex_.clear();
+  other.subKeys_.clear();
+  other.values_.clear();
+  other.valueIndex_.clear();
 }
 
 void RegistryKey::removeSubKey(std::wstring_view name) {
@@ -151,9 +172,9 @@ void RegistryKey::removeSubKey(std::wstring_view name) {
   const RegistryKey* removed = indexed->second;
   // The index entry views the key's name: it goes first.
   subKeyIndex_.erase(indexed);
-  subKeys_.erase(std::find_if(
-      subKeys_.begin(), subKeys_.end(),
-      [&](const std::unique_ptr<RegistryKey>& key) { return key.get() == removed; }));
+  subKeys_.erase(
+      std::find_if(subKeys_.begin(), subKeys_.end(),
+                   [&](const std::unique_ptr<RegistryKey>& key) { return key.get() == removed; }));
 }
 
 void RegistryKey::setValue(RegistryValue value) {

@@ -54,6 +54,9 @@ class RegistryKey {
 
   // The sub-key of that name, made when there is none (keeping the spelling of its first making).
   RegistryKey& makeSubKey(std::wstring_view name);
+  // Moves the values and sub-keys of `other` here, as though they had been written after this
+  // key's own: values of the same name replaced in their place, sub-keys of the same name merged.
+  void absorb(RegistryKey&& other);
   // Removes the sub-key with everything below it; nothing when there is none.
   void removeSubKey(std::wstring_view name);
   // A value of the same name is replaced in its place.
@@ -65,6 +68,7 @@ class RegistryKey {
   static constexpr std::size_t kValuesScanned = 16;
 
   void indexValues() const;
+  RegistryKey& adopt(std::unique_ptr<RegistryKey> key);
 
   // Names hashed and compared as Windows compares them, so that a lookup copies nothing.
   struct FoldedHash {

@@ -173,10 +173,36 @@ TEST(RegFile, MalformedFilesNameTheLineAndColumn) {
   }
 }
 
+// Files that delete nothing are read side by side and merged afterwards; what the machine holds
+// must be what reading them one after another gives.
+TEST(RegFile, FilesReadSideBySideMergeAsThoughReadInTurn) {
+  TempDirectory dir;
+  const std::string vendor = kHeader + "[HKEY_LOCAL_MACHINE\\Soft\\Vendor";
+  dir.write("registry/10-a.reg", vendor + "]\n\"A\"=\"1\"\n\"B\"=\"2\"\n" +
+                                     "[HKEY_LOCAL_MACHINE\\Soft\\Vendor\\Old]\n\"x\"=\"1\"\n");
+  dir.write("registry/20-b.reg",
+            kHeader + "[HKEY_LOCAL_MACHINE\\SOFT\\vendor]\n\"b\"=\"3\"\n\"C\"=\"4\"\n" +
+                "[HKEY_LOCAL_MACHINE\\Soft\\Vendor\\New]\n");
+  dir.write("registry/30-c.reg", vendor + "\\Old]\n\"x\"=-\n");
+  dir.write("registry/40-d.reg", kHeader + "[-HKEY_LOCAL_MACHINE\\Soft\\Vendor\\Old]\n");
+  dir.write("registry/50-e.reg", vendor + "\\Old]\n\"y\"=\"5\"\n");
+  auto machine = winapi::Machine::load(dir.path());
+  const RegistryKey* key = machine->registry()->root(Hive::LocalMachine).find({L"soft", L"vendor"});
+  ASSERT_TRUE(key);
+  EXPECT_EQ(key->name(), L"Vendor");
+  EXPECT_EQ(valueNames(key), (std::vector<std::wstring>{L"A", L"B", L"C"}));
+  EXPECT_EQ(valueOf(key, L"B"), Typed(REG_SZ, utf16(L"3")));
+  ASSERT_EQ(key->subKeys().size(), 2u);
+  EXPECT_EQ(key->subKeys()[0]->name(), L"New");
+  EXPECT_EQ(valueNames(key->subKeys()[1].get()), std::vector<std::wstring>{L"y"});
+}
+
 TEST(RegFile, AMachineWithABadFileDoesNotLoad) {
   TempDirectory dir;
   dir.write("registry/10-good.reg", fixture("10-software.reg"));
   dir.write("registry/20-bad.reg", kHeader + "[HKEY_LOCAL_MACHINE\\x]\n\"n\" = 1\n");
+  // The first bad file in name order is the one named, however the files were read.
+  dir.write("registry/30-bad.reg", kHeader + "junk\n");
   try {
     winapi::Machine::load(dir.path());
     ADD_FAILURE() << "loaded";
