@@ -19,7 +19,8 @@ for machine in examples/machines/*/ "$build/machines/sample/"; do
   for format in json xml mof table; do
     log=$logs/$label-$format.log
     status=0
-    valgrind --suppressions=tools/valgrind.supp --error-exitcode=99 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible \
+    # vrxhost allocates through jemalloc, which memcheck must watch in place of the C library.
+    valgrind --soname-synonyms=somalloc='*jemalloc*' --suppressions=tools/valgrind.supp --error-exitcode=99 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible \
       --log-file="$log" "$build/bin/vrxhost" --machine "$machine" --format "$format" \
       --output "$logs/$label.$format" || status=$?
     errors=$(sed -n 's/.*ERROR SUMMARY: \([0-9,]*\) errors.*/\1/p' "$log" | tr -d ,)
