@@ -76,7 +76,7 @@ class TRepositoryNamespace : public ICIMNamespace,
   std::vector<boost::shared_ptr<ICIMInstance>>::iterator PositionOf(const ICIMInstance* instance);
 
   std::string name_;
-  std::map<std::string, boost::shared_ptr<TRepositoryClass>> classes_;
+  std::map<std::string, boost::shared_ptr<TRepositoryClass>, TCIMNameOrder> classes_;
   std::vector<boost::shared_ptr<TRepositoryClass>> classOrder_;
   std::map<std::string, boost::shared_ptr<ICIMQualifierDecl>> qualifiers_;
   std::vector<boost::shared_ptr<ICIMQualifierDecl>> qualifierOrder_;
@@ -153,7 +153,7 @@ class TRepositoryClass : public ICIMClass, public boost::enable_shared_from_this
   TCIMOptions qualifiers_;
   // Inherited properties first, overrides in their parent's place.
   std::vector<boost::shared_ptr<TRepositoryPropertyDecl>> properties_;
-  std::map<std::string, size_t> byName_;
+  std::map<std::string, size_t, TCIMNameOrder> byName_;
   bool hasSubclasses_ = false;
   bool hasInstances_ = false;
 };

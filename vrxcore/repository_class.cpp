@@ -88,7 +88,7 @@ void TRepositoryClass::EnumerateKeyNames(const TNameCallback& callback, TCIMOpti
 }
 
 size_t TRepositoryClass::IndexOf(const std::string& name) const {
-  auto found = byName_.find(CIMNameKey(name));
+  auto found = byName_.find(name);
   return found == byName_.end() ? std::string::npos : found->second;
 }
 
@@ -161,7 +161,7 @@ void TRepositoryClass::AddProperty(const std::string& name, TCIMType type, bool 
   }
   if (decl->IsKey({}) && super_)
     refuse("subclass " + name_ + " cannot add the key property " + name);
-  byName_[CIMNameKey(name)] = properties_.size();
+  byName_[name] = properties_.size();
   properties_.push_back(decl);
 }
 

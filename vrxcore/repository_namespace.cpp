@@ -41,7 +41,7 @@ std::vector<boost::shared_ptr<ICIMClass>> TRepositoryNamespace::GetClasses() con
 
 boost::shared_ptr<TRepositoryClass> TRepositoryNamespace::FindClass(
     const std::string& className) const {
-  auto found = classes_.find(CIMNameKey(className));
+  auto found = classes_.find(className);
   return found == classes_.end() ? nullptr : found->second;
 }
 
@@ -70,7 +70,7 @@ boost::shared_ptr<ICIMClass> TRepositoryNamespace::AllocateClass(const std::stri
   }
   auto cimClass = boost::shared_ptr<TRepositoryClass>(
       new TRepositoryClass(shared_from_this(), className, superClass));
-  classes_[CIMNameKey(className)] = cimClass;
+  classes_[className] = cimClass;
   classOrder_.push_back(cimClass);
   return cimClass;
 }
