@@ -52,6 +52,17 @@ std::uint32_t littleEndian(const std::string& data, std::size_t at, std::size_t 
   return value;
 }
 
+// The variable of that name in any case, nullptr when there is none.
+const nlohmann::json* variable(const nlohmann::json& environment, const std::string& name,
+                               std::string* spelling = nullptr) {
+  for (const auto& item : environment.items())
+    if (equalsIgnoringCase(item.key(), name)) {
+      if (spelling) *spelling = item.key();
+      return &item.value();
+    }
+  return nullptr;
+}
+
 // %NAME% of a variable already set; others stay as they are, as Windows leaves them.
 std::string expand(const std::string& text, const nlohmann::json& environment) {
   std::string result;
@@ -61,11 +72,8 @@ std::string expand(const std::string& text, const nlohmann::json& environment) {
     if (close == std::string::npos) break;
     result.append(text, at, open - at);
     std::string name = text.substr(open + 1, close - open - 1);
-    auto found =
-        std::find_if(environment.items().begin(), environment.items().end(),
-                     [&](const auto& item) { return equalsIgnoringCase(item.key(), name); });
-    if (found != environment.items().end()) {
-      result += found.value().template get<std::string>();
+    if (const nlohmann::json* found = variable(environment, name)) {
+      result += found->get<std::string>();
       at = close + 1;
     } else {
       result += '%' + name;
@@ -75,12 +83,19 @@ std::string expand(const std::string& text, const nlohmann::json& environment) {
   return result + text.substr(at);
 }
 
-void addVariables(const RegistryKey* key, nlohmann::json& environment) {
+// A variable set before, in any case, is replaced under its first spelling; the user's Path
+// goes after the machine's, as Windows builds a logon environment.
+void addVariables(const RegistryKey* key, nlohmann::json& environment, bool user) {
   if (!key) return;
-  for (const RegistryValue& value : key->values())
-    if (isText(value.type) && !value.name.empty())
-      environment[toUtf8(value.name)] =
-          value.type == REG_EXPAND_SZ ? expand(textOf(value), environment) : textOf(value);
+  for (const RegistryValue& value : key->values()) {
+    if (!isText(value.type) || value.name.empty()) continue;
+    std::string text =
+        value.type == REG_EXPAND_SZ ? expand(textOf(value), environment) : textOf(value);
+    std::string name = toUtf8(value.name);
+    if (const nlohmann::json* before = variable(environment, name, &name))
+      if (user && equalsIgnoringCase(name, "Path")) text = before->get<std::string>() + ";" + text;
+    environment[name] = text;
+  }
 }
 
 void addVersion(const RegistryKey& machine, nlohmann::json& facts) {
@@ -189,8 +204,9 @@ nlohmann::json registryMachineFacts(const Registry& registry) {
   }
   if (facts.contains("computerName")) environment["COMPUTERNAME"] = facts["computerName"];
   addFolders(machine, environment);
-  addVariables(machine.find(below(kControl, {L"Session Manager", L"Environment"})), environment);
-  addVariables(registry.root(Hive::CurrentUser).subKey(L"Environment"), environment);
+  addVariables(machine.find(below(kControl, {L"Session Manager", L"Environment"})), environment,
+               false);
+  addVariables(registry.root(Hive::CurrentUser).subKey(L"Environment"), environment, true);
   facts["environment"] = environment;
   return facts;
 }

@@ -28,6 +28,8 @@ const char kSystem[] =
     "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\ComputerName]\n\n"
     "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\ComputerName\\ComputerName]\n"
     "\"ComputerName\"=\"OFFLINE-PC\"\n\n"
+    "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\Session Manager\\Environment]\n"
+    "\"Path\"=\"C:\\\\Windows\\\\system32\"\n\"TEMP\"=\"C:\\\\Windows\\\\Temp\"\n\n"
     "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\ProductOptions]\n"
     "\"ProductType\"=\"ServerNT\"\n\n"
     "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\Session Manager\\Memory Management]\n"
@@ -47,7 +49,8 @@ void makeVolume(const TempDirectory& volume) {
   for (const char* user : {"olduser", "bob"}) {
     volume.makeDirectory(std::string("Users/") + user);
     writeHive(volume.path() + "/Users/" + user + "/NTUSER.DAT", "HKEY_CURRENT_USER",
-              std::string("[HKEY_CURRENT_USER\\Environment]\n\"WHO\"=\"") + user + "\"\n\n");
+              std::string("[HKEY_CURRENT_USER\\Environment]\n\"WHO\"=\"") + user +
+                  "\"\n\"PATH\"=\"C:\\\\Tools\"\n\"temp\"=\"D:\\\\t\"\n\n");
   }
   fs::last_write_time(volume.path() + "/Users/olduser/NTUSER.DAT",
                       fs::file_time_type::clock::now() - std::chrono::hours(24));
@@ -71,6 +74,9 @@ TEST(OfflineVolume, DescriptionComesFromItsHivesAndItsLastUser) {
   const EnvironmentBlock::Variable* who = machine->environment().find("WHO");
   ASSERT_NE(who, nullptr);
   EXPECT_EQ(who->value, "bob");
+  // The user's variables replace the machine's in any case, but Path they lengthen.
+  EXPECT_EQ(machine->environment().find("path")->value, "C:\\Windows\\system32;C:\\Tools");
+  EXPECT_EQ(machine->environment().find("TEMP")->value, "D:\\t");
   auto hive = machine->hostPath("c:\\windows\\SYSTEM32\\config\\SOFTWARE");
   ASSERT_TRUE(hive.has_value());
   EXPECT_EQ(*hive, volume.path() + "/WINDOWS/system32/CONFIG/software");
