@@ -84,14 +84,33 @@ std::wstring fromUtf16Bytes(std::string_view bytes) {
 }
 
 const RegistryKey::SubKeys& RegistryKey::subKeys() const {
-  if (!sorted_) {
-    std::sort(subKeys_.begin(), subKeys_.end(),
-              [](const std::unique_ptr<RegistryKey>& a, const std::unique_ptr<RegistryKey>& b) {
-                return compareIgnoringCase(a->name(), b->name()) < 0;
-              });
-    sorted_ = true;
-  }
+  if (!sorted_) sortSubKeys();
   return subKeys_;
+}
+
+void RegistryKey::sortSubKeys() const {
+  // A sort compares each name many times: the names are upper-cased once, side by side, so
+  // that comparing them reads neither the keys nor their scattered names.
+  struct Entry {
+    std::size_t begin, size;
+    std::unique_ptr<RegistryKey>* key;
+  };
+  std::wstring names;
+  std::vector<Entry> entries;
+  entries.reserve(subKeys_.size());
+  for (std::unique_ptr<RegistryKey>& key : subKeys_) {
+    entries.push_back({names.size(), key->name().size(), &key});
+    for (wchar_t c : key->name()) names.push_back(upperCase(c));
+  }
+  std::wstring_view all = names;
+  std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
+    return all.substr(a.begin, a.size) < all.substr(b.begin, b.size);
+  });
+  SubKeys sorted;
+  sorted.reserve(subKeys_.size());
+  for (const Entry& entry : entries) sorted.push_back(std::move(*entry.key));
+  subKeys_ = std::move(sorted);
+  sorted_ = true;
 }
 
 std::size_t RegistryKey::FoldedHash::operator()(std::wstring_view name) const {

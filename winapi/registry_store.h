@@ -68,6 +68,7 @@ class RegistryKey {
   static constexpr std::size_t kValuesScanned = 16;
 
   void indexValues() const;
+  void sortSubKeys() const;
   RegistryKey& adopt(std::unique_ptr<RegistryKey> key);
 
   // Names hashed and compared as Windows compares them, so that a lookup copies nothing.
