@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <ostream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -19,14 +20,15 @@ bool xmlCanCarry(char32_t character) {
 // Text for element content and attribute values alike; white space other
 // than the plain space goes as a character reference, so that attribute
 // normalisation and line-end handling give back what was written.
-std::string escaped(const std::string& utf8) {
+void appendEscaped(std::string& out, std::string_view utf8) {
   // Most text is printable ASCII without markup and needs no decoding.
   if (std::all_of(utf8.begin(), utf8.end(), [](char c) {
         return c >= 0x20 && c < 0x7F && c != '&' && c != '<' && c != '>' && c != '"';
-      }))
-    return utf8;
-  std::string out;
-  for (const char32_t character : decodeUtf8(utf8)) {
+      })) {
+    out += utf8;
+    return;
+  }
+  for (const char32_t character : decodeUtf8(std::string(utf8))) {
     switch (character) {
       case '&': out += "&amp;"; break;
       case '<': out += "&lt;"; break;
@@ -38,10 +40,10 @@ std::string escaped(const std::string& utf8) {
       default: appendUtf8(out, xmlCanCarry(character) ? character : kReplacementCharacter);
     }
   }
-  return out;
 }
 
-using TAttributes = std::initializer_list<std::pair<const char*, std::string>>;
+// Values are only read while the element is written.
+using TAttributes = std::initializer_list<std::pair<const char*, std::string_view>>;
 
 // Writes an indented element tree, one element per line, to a stream when
 // told to.
@@ -54,10 +56,10 @@ class TXmlWriter {
     open_.push_back(name);
   }
   void Close() {
-    const std::string name = open_.back();
+    const char* name = open_.back();
     open_.pop_back();
     Indent();
-    out_ += "</" + name + ">\n";
+    EndTag(name);
   }
   void Empty(const char* name, TAttributes attributes = {}) {
     StartTag(name, attributes);
@@ -65,7 +67,9 @@ class TXmlWriter {
   }
   void Text(const char* name, const std::string& utf8, TAttributes attributes = {}) {
     StartTag(name, attributes);
-    out_ += ">" + escaped(utf8) + "</" + name + ">\n";
+    out_ += '>';
+    appendEscaped(out_, utf8);
+    EndTag(name);
   }
   void Flush() {
     stream_ << out_;
@@ -76,14 +80,25 @@ class TXmlWriter {
   void Indent() { out_.append(2 * open_.size(), ' '); }
   void StartTag(const char* name, TAttributes attributes) {
     Indent();
-    out_ += std::string("<") + name;
-    for (const auto& attribute : attributes)
-      out_ += std::string(" ") + attribute.first + "=\"" + escaped(attribute.second) + "\"";
+    out_ += '<';
+    out_ += name;
+    for (const auto& attribute : attributes) {
+      out_ += ' ';
+      out_ += attribute.first;
+      out_ += "=\"";
+      appendEscaped(out_, attribute.second);
+      out_ += '"';
+    }
+  }
+  void EndTag(const char* name) {
+    out_ += "</";
+    out_ += name;
+    out_ += ">\n";
   }
 
   std::ostream& stream_;
   std::string out_ = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
-  std::vector<std::string> open_;
+  std::vector<const char*> open_;
 };
 
 const char* keyValueType(ECIMType type) {
