@@ -21,8 +21,14 @@ std::string CIMNameKey(const std::string& name) {
 }
 
 bool CIMNameLess(const std::string& a, const std::string& b) {
-  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                      [](char x, char y) { return lowered(x) < lowered(y); });
+  const size_t common = std::min(a.size(), b.size());
+  for (size_t i = 0; i < common; ++i) {
+    // Names mostly share their case, so equal bytes are passed over before lowering.
+    if (a[i] == b[i]) continue;
+    const unsigned char x = lowered(a[i]), y = lowered(b[i]);
+    if (x != y) return x < y;
+  }
+  return a.size() < b.size();
 }
 
 }  // namespace NZARVEK20
