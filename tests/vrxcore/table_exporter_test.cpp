@@ -28,12 +28,14 @@ TEST(TableExporter, OneSectionPerClassWithSharedKeysAboveAlignedRows) {
   commitSystem(*ns, "\xE6\x97\xA5\xE6\x9C\xAC", 22);
   commitSystem(*ns, "e\xCC\x81t\xC3\xA9", 333);
   commitSystem(*ns, std::string(45, 'x'), 4);
+  commitSystem(*ns, std::string(kMaxCellWidth, 'y'), 5);
+  commitSystem(*ns, std::string(kMaxCellWidth + 1, 'z'), 6);
   auto changed = ns->GetClass("T_SystemSetting", {})->AllocateInstance({});
   changed->SetPropertyValue("SettingID", TCIMValue("TZ"), {});
   changed->SetPropertyValue("Changed", TCIMValue(TCIMDateTime(2026, 11, 2, 9, 5, 30, 5, -330)), {});
   changed->Commit({});
   EXPECT_EQ(exportedText(ExportTable, "root/test", ns->GetInstances(), sameText),
-            "T_System: 4 instances\n"
+            "T_System: 6 instances\n"
             "  CreationClassName = \"\"\n"
             "  Name                                      Number\n"
             "  ----------------------------------------  ------\n"
@@ -43,6 +45,9 @@ TEST(TableExporter, OneSectionPerClassWithSharedKeysAboveAlignedRows) {
             "  " +
                 std::string(39, 'x') +
                 "\xE2\x80\xA6  4\n"
+                "  " +
+                std::string(kMaxCellWidth, 'y') + "  5\n  " + std::string(kMaxCellWidth - 1, 'z') +
+                "\xE2\x80\xA6  6\n"
                 "\n"
                 "T_UserSetting: 1 instance\n"
                 "  SettingID  SettingValue\n"
