@@ -8,7 +8,8 @@ namespace NZARVEK20 {
 
 // `text` as a quoted JSON string: control characters as \b \t \n \f \r or
 // \u00xx, and each maximal run of bytes that cannot start or continue valid
-// UTF-8 as one U+FFFD.
+// UTF-8 as one U+FFFD, so that text still not UTF-8 after conversion cannot
+// make the whole document unreadable.
 void AppendJsonString(std::string& out, const std::string& text);
 
 // A finite number in the shortest form that reads back the same ("0.1",
