@@ -3,17 +3,15 @@
 #include "winapi/reg_file.h"
 
 #include <algorithm>
-#include <atomic>
-#include <exception>
 #include <filesystem>
 #include <optional>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include "winapi/code_pages.h"
 #include "winapi/machine.h"
 #include "winapi/machine_file.h"
+#include "winapi/parallel.h"
 #include "winapi/reg_text.h"
 #include "winapi/text.h"
 #include "winapi/windows.h"
@@ -113,11 +111,18 @@ class Statement {
 
 class Parser {
  public:
-  Parser(Registry& registry, const RegText& text, const std::string& file, unsigned ansiCodePage)
-      : registry_(registry), text_(text), file_(file), ansiCodePage_(ansiCodePage) {}
+  // Reads lines [first, end) of `text`; `first` is the line after the header or a key line.
+  Parser(Registry& registry, const RegText& text, std::size_t first, std::size_t end,
+         const std::string& file, unsigned ansiCodePage)
+      : registry_(registry),
+        text_(text),
+        file_(file),
+        ansiCodePage_(ansiCodePage),
+        next_(first),
+        end_(end) {}
 
   void run() {
-    while (next_ < text_.lines.size()) {
+    while (next_ < end_) {
       std::size_t number = next_ + 1;
       const std::wstring& line = text_.lines[next_++];
       std::size_t at = line.find_first_not_of(kRegBlanks);
@@ -280,7 +285,7 @@ class Parser {
 
   // Comma-separated hex bytes; a line ending in '\' goes on at the first non-blank of the next.
   std::string hexList(Statement& statement, std::size_t at) {
-    while (statement.dropContinuation() && next_ < text_.lines.size()) {
+    while (statement.dropContinuation() && next_ < end_) {
       std::wstring_view line = text_.lines[next_];
       std::size_t start = std::min(line.find_first_not_of(kRegBlanks), line.size());
       statement.append(line.substr(start), next_ + 1, start);
@@ -350,7 +355,8 @@ class Parser {
   const RegText& text_;
   const std::string& file_;
   unsigned ansiCodePage_;
-  std::size_t next_ = 1;        // the line to read next; line 0 is the header
+  std::size_t next_;  // the line to read next; line 0 is the header
+  std::size_t end_;
   RegistryKey* key_ = nullptr;  // where values go
   bool keyDeleted_ = false;     // the last key line was [-key]
   // The keys of the path last made, from the hive's root down; emptied when a key is deleted.
@@ -374,8 +380,29 @@ std::vector<fs::path> regFiles(const fs::path& folder) {
   return files;
 }
 
-// Whether the text deletes keys or values: such a file acts on what the files before it wrote,
-// so it is read in its turn. A line that only looks so costs no more than that.
+// Whether the text deletes keys or values: such a text acts on what came before it, so it is
+// read in one piece. A line that only looks so costs no more than that.
+bool startsKey(std::wstring_view line) {
+  std::size_t at = line.find_first_not_of(kRegBlanks);
+  return at != std::wstring_view::npos && line[at] == L'[';
+}
+
+bool goesOn(std::wstring_view line) {
+  std::size_t last = line.find_last_not_of(kRegBlanks);
+  return last != std::wstring_view::npos && line[last] == L'\\';
+}
+
+// Where the lines may be cut into parts read apart: before a key line that no hex list goes on
+// into, every kLinesPerPart lines or so. The first part starts after the header.
+std::vector<std::size_t> partStarts(const RegText& text) {
+  std::vector<std::size_t> starts{1};
+  for (std::size_t at = 1 + kLinesPerPart; at < text.lines.size(); ++at)
+    if (at - starts.back() >= kLinesPerPart && startsKey(text.lines[at]) &&
+        !goesOn(text.lines[at - 1]))
+      starts.push_back(at);
+  return starts;
+}
+
 bool deletesAnything(const RegText& text) {
   for (const std::wstring& line : text.lines) {
     std::size_t at = line.find_first_not_of(kRegBlanks);
@@ -389,52 +416,24 @@ bool deletesAnything(const RegText& text) {
   return false;
 }
 
-// One file read apart from the others: its keys, or its text when it deletes, or its error.
-struct FileContents {
-  std::unique_ptr<Registry> keys;
-  std::optional<RegText> text;
-  std::exception_ptr error;
-};
-
-FileContents readApart(const std::string& file, unsigned ansiCodePage) {
-  FileContents contents;
-  try {
-    RegText text = decodeRegText(readMachineBytes(file, kMaxFileMiB), file, ansiCodePage);
-    if (deletesAnything(text)) {
-      contents.text = std::move(text);
-      return contents;
-    }
-    contents.keys = std::make_unique<Registry>();
-    Parser(*contents.keys, text, file, ansiCodePage).run();
-  } catch (...) {
-    contents.error = std::current_exception();
-  }
-  return contents;
-}
-
-// The files are read on every processor at once; what they hold is merged in name order.
-std::vector<FileContents> readAllApart(const std::vector<std::string>& files,
-                                       unsigned ansiCodePage) {
-  std::vector<FileContents> contents(files.size());
-  std::atomic<std::size_t> next{0};
-  auto work = [&] {
-    for (std::size_t at; (at = next++) < files.size();)
-      contents[at] = readApart(files[at], ansiCodePage);
-  };
-  std::size_t threads = std::min<std::size_t>(std::thread::hardware_concurrency(), files.size());
-  std::vector<std::thread> others;
-  for (std::size_t i = 1; i < threads; ++i) others.emplace_back(work);
-  work();
-  for (std::thread& thread : others) thread.join();
-  return contents;
-}
-
 }  // namespace
 
 void mergeRegFile(Registry& registry, std::string_view bytes, const std::string& file,
                   unsigned ansiCodePage) {
   RegText text = decodeRegText(bytes, file, ansiCodePage);
-  Parser(registry, text, file, ansiCodePage).run();
+  std::vector<std::size_t> starts =
+      deletesAnything(text) ? std::vector<std::size_t>{1} : partStarts(text);
+  // The first part goes straight into the registry; the others into registries of their own,
+  // merged after it in order.
+  std::vector<Registry> later(starts.size() - 1);
+  inParallel(starts.size(), [&](std::size_t part) {
+    std::size_t end = part + 1 < starts.size() ? starts[part + 1] : text.lines.size();
+    Parser(part == 0 ? registry : later[part - 1], text, starts[part], end, file, ansiCodePage)
+        .run();
+  });
+  for (Registry& part : later)
+    for (Hive hive : {Hive::LocalMachine, Hive::CurrentUser})
+      registry.root(hive).absorb(std::move(part.root(hive)));
 }
 
 std::shared_ptr<Registry> readRegistryFiles(const std::string& directory, unsigned ansiCodePage) {
@@ -447,19 +446,9 @@ std::shared_ptr<Registry> readRegistryFiles(const std::string& directory, unsign
     return registry;
   }
   if (!fs::is_directory(folder, error)) throw MachineError(folder.string() + ": not a directory");
-  std::vector<std::string> files;
-  for (const fs::path& file : regFiles(folder)) files.push_back(file.string());
-  std::vector<FileContents> contents = readAllApart(files, ansiCodePage);
-  for (std::size_t at = 0; at < files.size(); ++at) {
-    FileContents& file = contents[at];
-    if (file.error) std::rethrow_exception(file.error);
-    if (file.text) {
-      Parser(*registry, *file.text, files[at], ansiCodePage).run();
-      continue;
-    }
-    for (Hive hive : {Hive::LocalMachine, Hive::CurrentUser})
-      registry->root(hive).absorb(std::move(file.keys->root(hive)));
-  }
+  for (const fs::path& file : regFiles(folder))
+    mergeRegFile(*registry, readMachineBytes(file.string(), kMaxFileMiB), file.string(),
+                 ansiCodePage);
   return registry;
 }
 

@@ -5,6 +5,7 @@
 
 #include "winapi/code_pages.h"
 #include "winapi/machine.h"
+#include "winapi/parallel.h"
 #include "winapi/registry_store.h"
 
 namespace winapi {
@@ -83,14 +84,19 @@ RegText decodeRegText(std::string_view bytes, const std::string& file, unsigned 
   Encoding encoding = takeEncoding(bytes);
   std::size_t unit = encoding == Encoding::Utf16 ? 2 : 1;
   if (bytes.size() % unit != 0) throw MachineError(file + ": UTF-16LE text of an odd length");
+  std::vector<std::string_view> lines = splitLines(bytes, unit);
   RegText text;
-  for (std::string_view line : splitLines(bytes, unit)) {
-    auto decoded = decodeLine(line, encoding, ansiCodePage);
-    if (!decoded)
-      throw MachineError(file + ":" + std::to_string(text.lines.size() + 1) + ": not " +
-                         describe(encoding, ansiCodePage));
-    text.lines.push_back(std::move(*decoded));
-  }
+  text.lines.resize(lines.size());
+  inParallel((lines.size() + kLinesPerPart - 1) / kLinesPerPart, [&](std::size_t part) {
+    std::size_t end = std::min(lines.size(), (part + 1) * kLinesPerPart);
+    for (std::size_t at = part * kLinesPerPart; at < end; ++at) {
+      auto decoded = decodeLine(lines[at], encoding, ansiCodePage);
+      if (!decoded)
+        throw MachineError(file + ":" + std::to_string(at + 1) + ": not " +
+                           describe(encoding, ansiCodePage));
+      text.lines[at] = std::move(*decoded);
+    }
+  });
   std::wstring_view header = text.lines[0];
   std::string first = toUtf8(header.substr(0, header.find_last_not_of(kRegBlanks) + 1));
   if (first != kVersion5 && first != kVersion4)

@@ -9,6 +9,9 @@
 
 namespace winapi {
 
+// Lines are decoded and parsed in parts of about this many, on every processor at once.
+constexpr std::size_t kLinesPerPart = 16384;
+
 // What regedit skips around statements and hex bytes.
 constexpr std::wstring_view kRegBlanks = L" \t";
 

@@ -197,6 +197,45 @@ TEST(RegFile, FilesReadSideBySideMergeAsThoughReadInTurn) {
   EXPECT_EQ(valueNames(key->subKeys()[1].get()), std::vector<std::wstring>{L"y"});
 }
 
+// Keys enough to fill `lines` lines of a file, each of its own.
+std::string fillerKeys(const std::string& parent, std::size_t lines) {
+  std::string text;
+  for (std::size_t i = 0; i < lines / 2; ++i)
+    text += "[HKEY_LOCAL_MACHINE\\" + parent + "\\K" + std::to_string(i) + "]\n\"v\"=\"x\"\n";
+  return text;
+}
+
+// A large file is read in parts side by side; the parts must give what one pass gives.
+TEST(RegFile, ALargeFileReadInPartsIsReadAsInOnePass) {
+  const std::string vendor = "[HKEY_LOCAL_MACHINE\\Soft\\Vendor]\n";
+  const std::string text = kHeader + vendor + "\"A\"=\"1\"\n\"B\"=\"2\"\n" +
+                           fillerKeys("Soft\\One", 40000) +
+                           "[HKEY_LOCAL_MACHINE\\SOFT\\vendor]\n\"b\"=\"3\"\n\"C\"=\"4\"\n" +
+                           fillerKeys("Soft\\Two", 40000) + vendor + "\"D\"=hex:01,\\\n  02\n";
+  Registry registry;
+  winapi::mergeRegFile(registry, text, "x.reg", 1252);
+  const RegistryKey& machine = registry.root(Hive::LocalMachine);
+  const RegistryKey* key = machine.find({L"Soft", L"Vendor"});
+  ASSERT_TRUE(key);
+  EXPECT_EQ(key->name(), L"Vendor");
+  EXPECT_EQ(valueNames(key), (std::vector<std::wstring>{L"A", L"B", L"C", L"D"}));
+  EXPECT_EQ(valueOf(key, L"B"), Typed(REG_SZ, utf16(L"3")));
+  EXPECT_EQ(valueOf(key, L"D"), Typed(REG_BINARY, std::string("\x01\x02")));
+  EXPECT_EQ(machine.find({L"Soft", L"One"})->subKeys().size(), 20000u);
+  EXPECT_EQ(machine.find({L"Soft", L"Two"})->subKeys().size(), 20000u);
+
+  // A hex list that goes on into a key line is an error there, wherever the parts are cut; of
+  // two errors the first is named, by its line in the whole file.
+  const std::string broken =
+      kHeader + fillerKeys("A", 16382) + "\"h\"=hex:01,\\\n" + fillerKeys("C", 40000) + "junk\n";
+  try {
+    winapi::mergeRegFile(registry, broken, "x.reg", 1252);
+    ADD_FAILURE() << "accepted";
+  } catch (const winapi::MachineError& error) {
+    EXPECT_EQ(std::string(error.what()), "x.reg:16386:1: expected a hex byte, 00 to ff");
+  }
+}
+
 TEST(RegFile, AMachineWithABadFileDoesNotLoad) {
   TempDirectory dir;
   dir.write("registry/10-good.reg", fixture("10-software.reg"));
