@@ -4,6 +4,7 @@
 # users), inventories each with vrxhost -v and prints wall time, peak RSS and each class's ms.
 # A second table: the same machine as an offline volume (its registry as hive files), inventoried
 # by vrxhost, against libhivex's own export of the Uninstall key (hivexregedit --export).
+# Each command runs RUNS times (3 by default); the run of median wall time is the one reported.
 #   bash bench/run.sh [SIZES...]        BUILD_DIR=build/bench by default
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -15,19 +16,32 @@ cmake --build "$BUILD_DIR" -j2 --target vrxhost installedapps vrx_make_machine >
 bin=$BUILD_DIR/bin
 work=$BUILD_DIR/generated
 rm -rf "$work" && mkdir -p "$work"
+RUNS=${RUNS:-3}
+# measure TIME ERR OUT COMMAND...: runs COMMAND RUNS times, its standard output into OUT; GNU
+# time's %e and %M (wall seconds and peak resident kilobytes) of the median run go to TIME, its
+# stderr to ERR.
+measure() {
+  local time=$1 err=$2 out=$3 run
+  shift 3
+  for run in $(seq "$RUNS"); do
+    /usr/bin/time -f "%e %M" -o "$time.$run" "$@" >"$out" 2>"$err.$run"
+  done
+  run=$(for r in $(seq "$RUNS"); do echo "$(cut -d' ' -f1 "$time.$r") $r"; done | sort -n |
+    sed -n "$(((RUNS + 1) / 2))p" | cut -d' ' -f2)
+  cp "$time.$run" "$time" && cp "$err.$run" "$err"
+}
 for n in "${SIZES[@]}"; do
   "$bin/vrx_make_machine" --template "$BUILD_DIR/machines/sample" --out "$work/m$n" --apps "$n" \
     --hotfixes $((n / 50)) --fixes $((n / 50)) --components $((n / 100)) \
     --variables $((n / 100)) --users $((n / 1000 + 1)) --seed 1 --volume "$work/v$n"
-  # GNU time's %e and %M: wall seconds and peak resident kilobytes.
-  /usr/bin/time -f "%e %M" -o "$work/time$n" \
-    "$bin/vrxhost" --machine "$work/m$n" -v --output "$work/out$n.json" 2>"$work/classes$n"
-  /usr/bin/time -f "%e %M" -o "$work/vtime$n" \
-    "$bin/vrxhost" --machine "$work/v$n" -v --output "$work/vout$n.json" 2>"$work/vclasses$n"
+  measure "$work/time$n" "$work/classes$n" /dev/null \
+    "$bin/vrxhost" --machine "$work/m$n" -v --output "$work/out$n.json"
+  measure "$work/vtime$n" "$work/vclasses$n" /dev/null \
+    "$bin/vrxhost" --machine "$work/v$n" -v --output "$work/vout$n.json"
   software=$(find "$work/v$n" -ipath "$work/v$n/windows/system32/config/software")
   stat -c %s "$software" >"$work/hive$n"
-  /usr/bin/time -f "%e %M" -o "$work/htime$n" \
-    hivexregedit --export "$software" '\Microsoft\Windows\CurrentVersion\Uninstall' >"$work/export$n.reg"
+  measure "$work/htime$n" "$work/herr$n" "$work/export$n.reg" \
+    hivexregedit --export "$software" '\Microsoft\Windows\CurrentVersion\Uninstall'
 done
 {
   printf 'class'
