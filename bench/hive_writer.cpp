@@ -26,9 +26,6 @@ constexpr std::uint32_t kNone = 0xFFFFFFFF;
 constexpr std::uint32_t kInlineData = 0x80000000;
 // Windows keeps at most this much data in one cell, longer data in segments of this size.
 constexpr std::size_t kMaxCellData = 16344;
-// libhivex 1.3.23 takes a segment to hold its cell's size less 8 bytes, not less 4, and so drops
-// up to four bytes of a short last segment (16 345 read back as 16 344): segments get 4 spare.
-constexpr std::size_t kSegmentSpare = 4;
 // Windows keeps each leaf list to about a thousand sub-keys, more under an index root.
 constexpr std::size_t kListEntries = 1000;
 
@@ -209,9 +206,8 @@ class HiveBuilder {
     return cell;
   }
 
-  // `spare` bytes more than the data in the cell.
-  std::uint32_t writeBytes(std::string_view bytes, std::size_t spare = 0) {
-    std::uint32_t cell = allocate(bytes.size() + spare);
+  std::uint32_t writeBytes(std::string_view bytes) {
+    std::uint32_t cell = allocate(bytes.size());
     putBytes(cell + 4, bytes);
     return cell;
   }
@@ -221,7 +217,7 @@ class HiveBuilder {
     if (data.size() <= kMaxCellData) return writeBytes(data);
     std::vector<std::uint32_t> segments;
     for (std::size_t at = 0; at < data.size(); at += kMaxCellData)
-      segments.push_back(writeBytes(data.substr(at, kMaxCellData), kSegmentSpare));
+      segments.push_back(writeBytes(data.substr(at, kMaxCellData)));
     std::uint32_t list = writeOffsets(segments);
     std::uint32_t cell = allocate(12);
     putBytes(cell + 4, "db");

@@ -13,6 +13,7 @@
 
 #include "tests/winapi/test_machine.h"
 #include "winapi/hive_file.h"
+#include "winapi/machine.h"
 #include "winapi/reg_text.h"
 #include "winapi/text.h"
 #include "winapi/windows.h"
@@ -169,6 +170,27 @@ TEST(HiveWriter, AHiveReadsBackKeyForKeyValueForValueInWindowsOrder) {
             (std::map<std::string, std::size_t>{
                 {"nk", 2511}, {"vk", 2515}, {"sk", 1}, {"lh", 7}, {"ri", 1}, {"db", 2}}));
   EXPECT_EQ(records.longestLeaf, 1000u);
+}
+
+// Long data is read from its segment list; a list that points outside the hive stops the read
+// with a message that names the file.
+TEST(HiveWriter, ALongValueWhoseSegmentsLieOutsideTheHiveIsReported) {
+  TempDirectory work;
+  const std::string file = work.path() + "/SOFTWARE";
+  RegistryKey root(L"ROOT");
+  root.makeSubKey(L"K").setValue({L"Long", REG_BINARY, std::string(16345, 'x')});
+  std::string bytes = hiveBytes(root);
+  const std::size_t db = bytes.rfind("db");
+  ASSERT_NE(db, std::string::npos);
+  bytes.replace(db + 4, 4, "\x00\xFF\xFF\x7F");  // the segment list's offset
+  std::ofstream(file, std::ios::binary) << bytes;
+  RegistryKey readBack(L"ROOT");
+  try {
+    winapi::mountHiveFile(readBack, file);
+    ADD_FAILURE() << "read";
+  } catch (const winapi::MachineError& error) {
+    EXPECT_EQ(std::string(error.what()).rfind(file + ": ", 0), 0u) << error.what();
+  }
 }
 
 TEST(HiveWriter, AnEmptyRootIsAHiveAndAFileThatCannotBeWrittenIsReported) {

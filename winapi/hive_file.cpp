@@ -5,9 +5,11 @@
 #include <hivex.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,6 +29,10 @@ namespace {
 constexpr int kMaxDepth = 512;
 constexpr std::size_t kMaxKeys = 4u << 20;
 constexpr std::size_t kMaxValues = 16u << 20;
+// Data longer than one cell holds lies in segments of this size, listed by a "db" record; cell
+// offsets in records count from the first hive bin.
+constexpr std::size_t kMaxCellData = 16344;
+constexpr std::size_t kFirstBin = 0x1000;
 
 struct Closer {
   void operator()(hive_h* hive) const { hivex_close(hive); }
@@ -105,17 +111,61 @@ class HiveCopier {
   RegistryValue readValue(hive_value_h value, const std::string& path) {
     Owned<char> name(hivex_value_key(hive_.get(), value));
     hive_type type;
-    std::size_t size = 0;
+    std::size_t size = 0, declared = 0;
     Owned<char> data(hivex_value_value(hive_.get(), value, &type, &size));
-    if (!name || (!data && size != 0)) fail(path, "a value that cannot be read");
+    if (!name || (!data && size != 0) || hivex_value_type(hive_.get(), value, &type, &declared))
+      fail(path, "a value that cannot be read");
+    std::string bytes(data.get() ? data.get() : "", size);
+    if (declared > size && declared > kMaxCellData) bytes = segmentedData(value, declared, path);
     return RegistryValue{utf8ToWide(name.get()), static_cast<std::uint32_t>(type),
-                         std::string(data.get() ? data.get() : "", size)};
+                         std::move(bytes)};
+  }
+
+  // libhivex 1.3 takes each segment of long data to hold its cell's size less 8 bytes, not 4, and
+  // so reads data whose last segment Windows sized exactly up to 4 bytes short. Such data is read
+  // here from its "db" record.
+  std::string segmentedData(hive_value_h value, std::size_t length, const std::string& path) {
+    std::size_t cellLength = 0;
+    const std::size_t cell = hivex_value_data_cell_offset(hive_.get(), value, &cellLength);
+    const std::string& hive = fileBytes(path);
+    auto number = [&](std::size_t at, std::size_t width) {
+      if (at + width > hive.size()) fail(path, "a value whose data lies outside the hive");
+      std::uint32_t result = 0;
+      for (std::size_t i = width; i-- > 0;)
+        result = result << 8 | static_cast<unsigned char>(hive[at + i]);
+      return result;
+    };
+    if (hive.compare(std::min(cell + 4, hive.size()), 2, "db") != 0)
+      fail(path, "a long value without its segment list");
+    const std::size_t segments = number(cell + 6, 2), list = kFirstBin + number(cell + 8, 4);
+    std::string data;
+    for (std::size_t i = 0; i < segments && data.size() < length; ++i) {
+      const std::size_t segment = kFirstBin + number(list + 4 + 4 * i, 4);
+      const std::size_t take = std::min(length - data.size(), kMaxCellData);
+      const auto cellSize = static_cast<std::int32_t>(number(segment, 4));
+      if (cellSize > -static_cast<std::int64_t>(take + 4) || segment + 4 + take > hive.size())
+        fail(path, "a long value with a segment shorter than its data");
+      data.append(hive, segment + 4, take);
+    }
+    if (data.size() != length) fail(path, "a long value with segments missing");
+    return data;
+  }
+
+  // The hive's bytes, read once when first needed.
+  const std::string& fileBytes(const std::string& path) {
+    if (!bytes_) {
+      std::ifstream in(file_, std::ios::binary);
+      bytes_.emplace(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+      if (!in && !in.eof()) fail(path, "cannot read the hive again");
+    }
+    return *bytes_;
   }
 
   std::string file_;
   std::unique_ptr<hive_h, Closer> hive_;
   std::size_t keys_ = 0;
   std::size_t values_ = 0;
+  std::optional<std::string> bytes_;
 };
 
 RegistryKey& mountPoint(Registry& registry, Hive hive, const wchar_t* name) {
