@@ -380,8 +380,6 @@ std::vector<fs::path> regFiles(const fs::path& folder) {
   return files;
 }
 
-// Whether the text deletes keys or values: such a text acts on what came before it, so it is
-// read in one piece. A line that only looks so costs no more than that.
 bool startsKey(std::wstring_view line) {
   std::size_t at = line.find_first_not_of(kRegBlanks);
   return at != std::wstring_view::npos && line[at] == L'[';
@@ -403,6 +401,8 @@ std::vector<std::size_t> partStarts(const RegText& text) {
   return starts;
 }
 
+// Whether the text deletes keys or values: such a text acts on what came before it, so it is
+// read in one piece. A line that only looks so costs no more than that.
 bool deletesAnything(const RegText& text) {
   for (const std::wstring& line : text.lines) {
     std::size_t at = line.find_first_not_of(kRegBlanks);
