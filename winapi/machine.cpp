@@ -240,7 +240,8 @@ std::string Machine::command(const std::string& name) const {
 }
 
 bool Machine::isMissing(const std::string& dll, const std::string& function) const {
-  return missing_.count({canonicalDllName(dll), function}) != 0;
+  // Asked on every lookup of a function: a machine that misses nothing answers at once.
+  return !missing_.empty() && missing_.count({canonicalDllName(dll), function}) != 0;
 }
 
 const InjectedFailure* Machine::injectedFailure(const char* function) const {

@@ -5,6 +5,7 @@
 // asks for the 32-bit view.
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <optional>
 
 #include "winapi/code_pages.h"
@@ -210,7 +211,8 @@ extern "C" LSTATUS WINAPI RegOpenKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD /*ulOp
   if (!subKey) return ERROR_BAD_PATHNAME;
   // An empty sub-key opens the same key again, without redirection.
   if (!subKey->empty()) {
-    place->path.insert(place->path.end(), subKey->begin(), subKey->end());
+    place->path.insert(place->path.end(), std::make_move_iterator(subKey->begin()),
+                       std::make_move_iterator(subKey->end()));
     redirect(*place, samDesired);
     place->key = place->registry->root(place->hive).find(place->path);
     if (!place->key) return ERROR_FILE_NOT_FOUND;
