@@ -1,8 +1,5 @@
 #include "bench/hive_writer.h"
 
-#include <locale.h>
-#include <wctype.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -10,6 +7,8 @@
 #include <stdexcept>
 #include <string_view>
 #include <vector>
+
+#include "winapi/little_endian.h"
 
 namespace bench {
 
@@ -59,19 +58,13 @@ struct StoredName {
   std::size_t utf16Size() const { return compressed ? 2 * bytes.size() : bytes.size(); }
 };
 
-std::uint16_t upperCase(std::uint16_t unit) {
-  static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t{});
-  if (unit < 0x80 || !unicode) return unit >= 'a' && unit <= 'z' ? unit - 'a' + 'A' : unit;
-  return static_cast<std::uint16_t>(towupper_l(unit, unicode));
-}
-
 // The lh list's hash: the upper-cased UTF-16 units folded by 37.
 std::uint32_t nameHash(std::wstring_view name) {
   std::string bytes = winapi::utf16Bytes(name);
   std::uint32_t hash = 0;
   for (std::size_t at = 0; at < bytes.size(); at += 2)
-    hash = hash * 37 + upperCase(static_cast<std::uint8_t>(bytes[at]) |
-                                 static_cast<std::uint8_t>(bytes[at + 1]) << 8);
+    hash = hash * 37 + static_cast<std::uint32_t>(winapi::upperCase(
+                           static_cast<wchar_t>(winapi::littleEndian(bytes, at, 2))));
   return hash;
 }
 
@@ -280,11 +273,7 @@ class HiveBuilder {
     putAt(0x28, static_cast<std::uint32_t>(end()), 4);
     putAt(0x2C, 1, 4);
     std::uint32_t sum = 0;
-    for (std::size_t at = 0; at < 0x1FC; at += 4) {
-      std::uint32_t word = 0;
-      for (int i = 3; i >= 0; --i) word = word << 8 | static_cast<std::uint8_t>(hive_[at + i]);
-      sum ^= word;
-    }
+    for (std::size_t at = 0; at < 0x1FC; at += 4) sum ^= winapi::littleEndian(hive_, at, 4);
     putAt(0x1FC, sum, 4);
   }
 

@@ -13,6 +13,7 @@
 
 #include "tests/winapi/test_machine.h"
 #include "winapi/hive_file.h"
+#include "winapi/little_endian.h"
 #include "winapi/machine.h"
 #include "winapi/reg_text.h"
 #include "winapi/text.h"
@@ -113,11 +114,8 @@ struct Census {
 };
 
 Census census(const std::string& hive) {
-  auto number = [&](std::size_t at, int bytes) {
-    std::uint32_t value = 0;
-    for (int i = bytes - 1; i >= 0; --i)
-      value = value << 8 | static_cast<std::uint8_t>(hive[at + i]);
-    return value;
+  auto number = [&](std::size_t at, std::size_t bytes) {
+    return winapi::littleEndian(hive, at, bytes);
   };
   Census result, broken;
   broken.tiled = false;

@@ -15,6 +15,7 @@
 #include <string>
 
 #include "winapi/code_pages.h"
+#include "winapi/little_endian.h"
 #include "winapi/machine.h"
 #include "winapi/text.h"
 
@@ -130,10 +131,7 @@ class HiveCopier {
     const std::string& hive = fileBytes(path);
     auto number = [&](std::size_t at, std::size_t width) {
       if (at + width > hive.size()) fail(path, "a value whose data lies outside the hive");
-      std::uint32_t result = 0;
-      for (std::size_t i = width; i-- > 0;)
-        result = result << 8 | static_cast<unsigned char>(hive[at + i]);
-      return result;
+      return littleEndian(hive, at, width);
     };
     if (hive.compare(std::min(cell + 4, hive.size()), 2, "db") != 0)
       fail(path, "a long value without its segment list");

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "winapi/little_endian.h"
 #include "winapi/windows.h"
 
 namespace winapi {
@@ -46,10 +47,7 @@ class Bytes {
  private:
   std::optional<std::uint32_t> read(std::uint64_t offset, std::size_t size) const {
     if (!holds(offset, size)) return std::nullopt;
-    std::uint32_t value = 0;
-    for (std::size_t i = size; i-- > 0;)
-      value = value << 8 | static_cast<unsigned char>(bytes_[offset + i]);
-    return value;
+    return littleEndian(bytes_, offset, size);
   }
 
   std::string_view bytes_;

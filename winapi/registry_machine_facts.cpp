@@ -8,6 +8,7 @@
 #include <string>
 
 #include "winapi/code_pages.h"
+#include "winapi/little_endian.h"
 #include "winapi/reg_text.h"
 #include "winapi/text.h"
 #include "winapi/windows.h"
@@ -43,13 +44,6 @@ std::optional<std::string> text(const RegistryKey& root, const RegistryPath& pat
   const RegistryValue* value = valueOf(root, path, name);
   if (!value || !isText(value->type)) return std::nullopt;
   return textOf(*value);
-}
-
-std::uint32_t littleEndian(const std::string& data, std::size_t at, std::size_t bytes) {
-  std::uint32_t value = 0;
-  for (std::size_t i = bytes; i-- > 0;)
-    value = value << 8 | static_cast<unsigned char>(data[at + i]);
-  return value;
 }
 
 // The variable of that name in any case, nullptr when there is none.

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "winapi/little_endian.h"
+
 namespace winapi {
 
 namespace {
@@ -14,8 +16,9 @@ constexpr wchar_t kFirstSurrogate = 0xD800, kFirstLowSurrogate = 0xDC00, kLastSu
 constexpr std::uint32_t kFirstSupplementary = 0x10000;
 
 // Windows upper-cases registry names with its Unicode table; glibc's C.UTF-8 locale has the
-// same simple mappings for the characters names use.
-wchar_t upperCase(wchar_t c) {
+// same simple mappings for the characters names use. Kept here, where the hashes and comparisons
+// of names can have it inline; upperCase() gives it to the rest.
+wchar_t upper(wchar_t c) {
   if (c < 0x80) return c >= L'a' && c <= L'z' ? c - L'a' + L'A' : c;
   static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t{});
   return unicode ? static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), unicode)) : c;
@@ -28,18 +31,20 @@ void appendUnit(std::string& bytes, std::uint32_t unit) {
 
 // The name as the indexes hold it.
 std::wstring upperCased(std::wstring_view name) {
-  std::wstring upper(name);
-  for (wchar_t& c : upper) c = upperCase(c);
-  return upper;
+  std::wstring folded(name);
+  for (wchar_t& c : folded) c = upper(c);
+  return folded;
 }
 
 }  // namespace
 
+wchar_t upperCase(wchar_t c) { return upper(c); }
+
 int compareIgnoringCase(std::wstring_view a, std::wstring_view b) {
   std::size_t common = std::min(a.size(), b.size());
   for (std::size_t i = 0; i < common; ++i) {
-    auto x = static_cast<std::uint32_t>(upperCase(a[i]));
-    auto y = static_cast<std::uint32_t>(upperCase(b[i]));
+    auto x = static_cast<std::uint32_t>(upper(a[i]));
+    auto y = static_cast<std::uint32_t>(upper(b[i]));
     if (x != y) return x < y ? -1 : 1;
   }
   return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
@@ -63,10 +68,7 @@ std::string utf16Bytes(std::wstring_view text) {
 
 std::wstring fromUtf16Bytes(std::string_view bytes) {
   std::wstring text;
-  auto unitAt = [&](std::size_t i) {
-    return static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) |
-                                static_cast<unsigned char>(bytes[i + 1]) << 8);
-  };
+  auto unitAt = [&](std::size_t i) { return static_cast<wchar_t>(littleEndian(bytes, i, 2)); };
   std::size_t units = bytes.size() / 2;
   for (std::size_t i = 0; i < units; ++i) {
     wchar_t unit = unitAt(2 * i);
@@ -100,7 +102,7 @@ void RegistryKey::sortSubKeys() const {
   entries.reserve(subKeys_.size());
   for (std::unique_ptr<RegistryKey>& key : subKeys_) {
     entries.push_back({names.size(), key->name().size(), &key});
-    for (wchar_t c : key->name()) names.push_back(upperCase(c));
+    for (wchar_t c : key->name()) names.push_back(upper(c));
   }
   std::wstring_view all = names;
   std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
@@ -116,8 +118,7 @@ void RegistryKey::sortSubKeys() const {
 std::size_t RegistryKey::FoldedHash::operator()(std::wstring_view name) const {
   // FNV-1a over the upper-cased characters.
   std::size_t hash = 14695981039346656037ull;
-  for (wchar_t c : name)
-    hash = (hash ^ static_cast<std::uint32_t>(upperCase(c))) * 1099511628211ull;
+  for (wchar_t c : name) hash = (hash ^ static_cast<std::uint32_t>(upper(c))) * 1099511628211ull;
   return hash;
 }
 

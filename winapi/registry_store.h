@@ -20,6 +20,8 @@ enum class Hive { LocalMachine, CurrentUser };
 // Key names below a hive's root, one per component.
 using RegistryPath = std::vector<std::wstring>;
 
+// A character of a registry name as Windows upper-cases it to compare names.
+wchar_t upperCase(wchar_t c);
 // Compares as Windows does for registry names: character by character, upper-cased.
 int compareIgnoringCase(std::wstring_view a, std::wstring_view b);
 
