@@ -1,6 +1,5 @@
 #include "vrxcore/mof_exporter.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <ostream>
 
@@ -32,10 +31,7 @@ void appendEscaped(std::string& out, char32_t character) {
 
 std::string quoted(const std::string& utf8, char quote) {
   // Most text has nothing to escape and needs no decoding.
-  if (std::all_of(utf8.begin(), utf8.end(), [](char c) {
-        return c >= 0x20 && c < 0x7F && c != '"' && c != '\'' && c != '\\';
-      }))
-    return quote + utf8 + quote;
+  if (isPlainAscii(utf8, "\"'\\")) return quote + utf8 + quote;
   std::string out(1, quote);
   for (const char32_t character : decodeUtf8(utf8)) appendEscaped(out, character);
   return out + quote;

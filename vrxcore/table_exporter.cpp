@@ -18,8 +18,7 @@ struct TCell {
 
 TCell fitted(const std::string& utf8) {
   // Printable ASCII that fits is shown as it is, a column a byte.
-  if (utf8.size() <= kMaxCellWidth &&
-      std::all_of(utf8.begin(), utf8.end(), [](char c) { return c >= 0x20 && c < 0x7F; }))
+  if (utf8.size() <= kMaxCellWidth && isPlainAscii(utf8))
     return {utf8, static_cast<unsigned>(utf8.size())};
   TCell cell;
   const std::u32string characters = decodeUtf8(utf8);

@@ -72,6 +72,12 @@ std::u32string decodeUtf8(const std::string& text) {
   return characters;
 }
 
+bool isPlainAscii(std::string_view text, std::string_view special) {
+  return std::all_of(text.begin(), text.end(), [&](char c) {
+    return c >= 0x20 && c < 0x7F && special.find(c) == std::string_view::npos;
+  });
+}
+
 void appendUtf8(std::string& out, char32_t character) {
   if (character < 0x80) {
     out += static_cast<char>(character);

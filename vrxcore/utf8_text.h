@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace NZARVEK20 {
 
@@ -13,6 +14,10 @@ constexpr char32_t kReplacementCharacter = 0xFFFD;
 std::u32string decodeUtf8(const std::string& text);
 
 void appendUtf8(std::string& out, char32_t character);
+
+// Whether every byte of `text` is printable ASCII other than those in `special`: text that a
+// format may write as it stands, without decoding it.
+bool isPlainAscii(std::string_view text, std::string_view special = {});
 
 // C0 controls, DEL and C1 controls.
 bool isControlCharacter(char32_t character);

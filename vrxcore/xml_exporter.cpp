@@ -22,9 +22,7 @@ bool xmlCanCarry(char32_t character) {
 // normalisation and line-end handling give back what was written.
 void appendEscaped(std::string& out, std::string_view utf8) {
   // Most text is printable ASCII without markup and needs no decoding.
-  if (std::all_of(utf8.begin(), utf8.end(), [](char c) {
-        return c >= 0x20 && c < 0x7F && c != '&' && c != '<' && c != '>' && c != '"';
-      })) {
+  if (isPlainAscii(utf8, "&<>\"")) {
     out += utf8;
     return;
   }
