@@ -114,10 +114,14 @@ class HiveCopier {
     hive_type type;
     std::size_t size = 0, declared = 0;
     Owned<char> data(hivex_value_value(hive_.get(), value, &type, &size));
-    if (!name || (!data && size != 0) || hivex_value_type(hive_.get(), value, &type, &declared))
-      fail(path, "a value that cannot be read");
+    if (!name || (!data && size != 0)) fail(path, "a value that cannot be read");
     std::string bytes(data.get() ? data.get() : "", size);
-    if (declared > size && declared > kMaxCellData) bytes = segmentedData(value, declared, path);
+    // Only data read from segments can have come back short, and by at most 4 bytes.
+    if (size + 4 > kMaxCellData) {
+      if (hivex_value_type(hive_.get(), value, &type, &declared))
+        fail(path, "a value that cannot be read");
+      if (declared > size) bytes = segmentedData(value, declared, path);
+    }
     return RegistryValue{utf8ToWide(name.get()), static_cast<std::uint32_t>(type),
                          std::move(bytes)};
   }
