@@ -73,7 +73,7 @@ void expectSameTree(const RegistryKey& expected, const RegistryKey& actual) {
   for (std::size_t i = 0; i < expected.values().size(); ++i) {
     const winapi::RegistryValue& want = expected.values()[i];
     const winapi::RegistryValue& got = actual.values()[i];
-    EXPECT_EQ(want.name, got.name);
+    EXPECT_EQ(want.name.text(), got.name.text());
     EXPECT_EQ(want.type, got.type) << winapi::toUtf8(want.name);
     // Compared as a whole, reported by size and first difference: the data runs to 40 000 bytes.
     auto differs =

@@ -4,6 +4,7 @@
 #include <wctype.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "winapi/little_endian.h"
@@ -27,13 +28,6 @@ wchar_t upper(wchar_t c) {
 void appendUnit(std::string& bytes, std::uint32_t unit) {
   bytes.push_back(static_cast<char>(unit & 0xFF));
   bytes.push_back(static_cast<char>(unit >> 8));
-}
-
-// The name as the indexes hold it.
-std::wstring upperCased(std::wstring_view name) {
-  std::wstring folded(name);
-  for (wchar_t& c : folded) c = upper(c);
-  return folded;
 }
 
 }  // namespace
@@ -130,18 +124,22 @@ const RegistryKey* RegistryKey::subKey(std::wstring_view name) const {
 void RegistryKey::indexValues() const {
   valueIndex_.clear();
   for (std::size_t at = 0; at < values_.size(); ++at)
-    valueIndex_.emplace(upperCased(values_[at].name), at);
+    valueIndex_.emplace(values_[at].name.foldedHash(), at);
 }
 
 const RegistryValue* RegistryKey::value(std::wstring_view name) const {
+  std::optional<RegistryName> known = RegistryName::known(name);
+  return known ? findValue(*known) : nullptr;
+}
+
+const RegistryValue* RegistryKey::findValue(RegistryName name) const {
   if (values_.size() <= kValuesScanned) {
-    auto found = std::find_if(values_.begin(), values_.end(), [&](const RegistryValue& value) {
-      return compareIgnoringCase(value.name, name) == 0;
-    });
+    auto found = std::find_if(values_.begin(), values_.end(),
+                              [&](const RegistryValue& value) { return value.name.sameAs(name); });
     return found == values_.end() ? nullptr : &*found;
   }
   if (valueIndex_.size() != values_.size()) indexValues();
-  auto found = valueIndex_.find(upperCased(name));
+  auto found = valueIndex_.find(name.foldedHash());
   return found == valueIndex_.end() ? nullptr : &values_[found->second];
 }
 
@@ -198,21 +196,21 @@ void RegistryKey::removeSubKey(std::wstring_view name) {
 }
 
 void RegistryKey::setValue(RegistryValue value) {
-  if (auto* existing = const_cast<RegistryValue*>(std::as_const(*this).value(value.name))) {
+  if (auto* existing = const_cast<RegistryValue*>(findValue(value.name))) {
     existing->type = value.type;
     existing->data = std::move(value.data);
     return;
   }
   // An index in use grows with the values; one not yet built is built when first needed.
-  if (!valueIndex_.empty()) valueIndex_.emplace(upperCased(value.name), values_.size());
+  if (!valueIndex_.empty()) valueIndex_.emplace(value.name.foldedHash(), values_.size());
   values_.push_back(std::move(value));
 }
 
 void RegistryKey::removeValue(std::wstring_view name) {
+  std::optional<RegistryName> known = RegistryName::known(name);
+  if (!known) return;
   values_.erase(std::remove_if(values_.begin(), values_.end(),
-                               [&](const RegistryValue& value) {
-                                 return compareIgnoringCase(value.name, name) == 0;
-                               }),
+                               [&](const RegistryValue& value) { return value.name.sameAs(*known); }),
                 values_.end());
   valueIndex_.clear();
 }

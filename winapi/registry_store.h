@@ -13,6 +13,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "winapi/registry_name.h"
+
 namespace winapi {
 
 enum class Hive { LocalMachine, CurrentUser };
@@ -31,7 +33,7 @@ std::string utf16Bytes(std::wstring_view text);
 std::wstring fromUtf16Bytes(std::string_view bytes);
 
 struct RegistryValue {
-  std::wstring name;  // "" for the key's default value
+  RegistryName name;  // "" for the key's default value
   std::uint32_t type = 0;
   std::string data;
 };
@@ -70,6 +72,7 @@ class RegistryKey {
   static constexpr std::size_t kValuesScanned = 16;
 
   void indexValues() const;
+  const RegistryValue* findValue(RegistryName name) const;
   void sortSubKeys() const;
   RegistryKey& adopt(std::unique_ptr<RegistryKey> key);
 
@@ -89,8 +92,9 @@ class RegistryKey {
   // Views of the sub-keys' own names, which stay where they are while the sub-key lives.
   std::unordered_map<std::wstring_view, RegistryKey*, FoldedHash, FoldedEqual> subKeyIndex_;
   std::vector<RegistryValue> values_;
-  // Value positions by upper-cased name; built once a key has more than kValuesScanned values.
-  mutable std::unordered_map<std::wstring, std::size_t> valueIndex_;
+  // Value positions by RegistryName::foldedHash; built once a key has more than kValuesScanned
+  // values.
+  mutable std::unordered_map<std::size_t, std::size_t> valueIndex_;
 };
 
 class Registry {

@@ -39,7 +39,7 @@ Typed valueOf(const RegistryKey* key, const std::wstring& name) {
 
 std::vector<std::wstring> valueNames(const RegistryKey* key) {
   std::vector<std::wstring> names;
-  for (const auto& value : key->values()) names.push_back(value.name);
+  for (const auto& value : key->values()) names.push_back(value.name.text());
   return names;
 }
 

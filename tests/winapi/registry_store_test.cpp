@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "winapi/registry_store.h"
@@ -48,13 +49,13 @@ TEST(RegistryStore, ManyValuesKeepTheirOrderAndAreFoundAfterEveryChange) {
   for (int i = 0; i < count; ++i) {
     const RegistryValue* value = key.value(L"VALUE" + std::to_wstring(i));
     ASSERT_NE(value, nullptr) << i;
-    EXPECT_EQ(value->name, L"Value" + std::to_wstring(i));
+    EXPECT_EQ(value->name.text(), L"Value" + std::to_wstring(i));
   }
   key.setValue(text(L"value7", "replaced"));
   key.setValue(text(L"Extra", "new"));
   ASSERT_EQ(key.values().size(), static_cast<std::size_t>(count + 1));
   EXPECT_EQ(key.values()[7].data, "replaced");
-  EXPECT_EQ(key.values()[7].name, L"Value7");
+  EXPECT_EQ(key.values()[7].name.text(), L"Value7");
   EXPECT_EQ(key.value(L"extra")->data, "new");
 
   key.removeValue(L"VALUE3");
@@ -62,9 +63,29 @@ TEST(RegistryStore, ManyValuesKeepTheirOrderAndAreFoundAfterEveryChange) {
   EXPECT_EQ(key.value(L"Value4"), &key.values()[3]);
   EXPECT_EQ(key.value(L"EXTRA")->data, "new");
   key.setValue(text(L"Value3", "back"));
-  EXPECT_EQ(key.values().back().name, L"Value3");
+  EXPECT_EQ(key.values().back().name.text(), L"Value3");
   EXPECT_EQ(key.value(L"value3")->data, "back");
   EXPECT_EQ(key.value(L"Value40"), nullptr);
+}
+
+// Value names are kept once for the process, made from files read on several threads at once.
+TEST(RegistryStore, ValueNamesAreTheSameButForCaseInAnySpellingAndThread) {
+  std::vector<std::thread> threads;
+  std::vector<RegistryName> made(4);
+  for (std::size_t i = 0; i < made.size(); ++i)
+    threads.emplace_back([&made, i] { made[i] = RegistryName(i % 2 ? L"\u00E9cole" : L"\u00C9COLE"); });
+  for (std::thread& thread : threads) thread.join();
+  for (const RegistryName& name : made) EXPECT_TRUE(name.sameAs(made[0]));
+  EXPECT_EQ(made[1].text(), L"\u00E9cole");
+  EXPECT_FALSE(RegistryName(L"ecole").sameAs(made[0]));
+
+  RegistryKey key(L"K");
+  key.setValue(text(L"Caf\u00E9Name", "v"));
+  // Found in a spelling never made; a name no value ever bore is not kept by asking for it.
+  EXPECT_EQ(key.value(L"CAF\u00C9NAME"), &key.values()[0]);
+  EXPECT_EQ(key.value(L"NeverMadeName"), nullptr);
+  EXPECT_FALSE(RegistryName::known(L"NeverMadeName"));
+  EXPECT_TRUE(RegistryName().empty());
 }
 
 }  // namespace
