@@ -74,39 +74,46 @@ std::optional<std::uint32_t> hexNumber(std::wstring_view text, std::size_t& at, 
 }
 
 // The text of one statement: a line, and the lines its hex list goes on over, with where each
-// piece came from, so that a message names the line and column of the problem.
+// piece came from, so that a message names the line and column of the problem. A statement of
+// one line is read where the line is.
 class Statement {
  public:
-  Statement(std::wstring_view line, std::size_t number) { append(line, number, 0); }
+  Statement(std::wstring_view line, std::size_t number) : text_(line), first_{0, number, 0} {}
 
-  const std::wstring& text() const { return text_; }
+  std::wstring_view text() const { return text_; }
 
   void append(std::wstring_view text, std::size_t line, std::size_t column) {
-    pieces_.push_back({text_.size(), line, column});
-    text_ += text;
+    if (later_.empty()) joined_.assign(text_);
+    later_.push_back({joined_.size(), line, column});
+    joined_ += text;
+    text_ = joined_;
   }
   // Drops the '\' (and blanks after it) that ends the text, when it ends so.
   bool dropContinuation() {
     std::size_t last = text_.find_last_not_of(kRegBlanks);
-    if (last == std::wstring::npos || text_[last] != L'\\') return false;
-    text_.erase(last);
+    if (last == std::wstring_view::npos || text_[last] != L'\\') return false;
+    text_ = text_.substr(0, last);
+    if (!later_.empty()) joined_.erase(last);
     return true;
   }
   // "line:column" of the character at `offset` (1-based, in characters).
   std::string placeOf(std::size_t offset) const {
-    auto piece = std::prev(std::upper_bound(
-        pieces_.begin(), pieces_.end(), offset,
-        [](std::size_t at, const Piece& candidate) { return at < candidate.offset; }));
-    return std::to_string(piece->line) + ":" +
-           std::to_string(piece->column + offset - piece->offset + 1);
+    auto later = std::upper_bound(
+        later_.begin(), later_.end(), offset,
+        [](std::size_t at, const Piece& candidate) { return at < candidate.offset; });
+    const Piece& piece = later == later_.begin() ? first_ : *std::prev(later);
+    return std::to_string(piece.line) + ":" +
+           std::to_string(piece.column + offset - piece.offset + 1);
   }
 
  private:
   struct Piece {
     std::size_t offset, line, column;
   };
-  std::wstring text_;
-  std::vector<Piece> pieces_;
+  std::wstring_view text_;  // the line, or `joined_` once a piece has been appended
+  std::wstring joined_;
+  Piece first_;
+  std::vector<Piece> later_;
 };
 
 class Parser {
@@ -124,9 +131,9 @@ class Parser {
   void run() {
     while (next_ < end_) {
       std::size_t number = next_ + 1;
-      const std::wstring& line = text_.lines[next_++];
+      std::wstring_view line = text_.lines[next_++];
       std::size_t at = line.find_first_not_of(kRegBlanks);
-      if (at == std::wstring::npos || line[at] == L';') continue;
+      if (at == std::wstring_view::npos || line[at] == L';') continue;
       Statement statement(line, number);
       if (line[at] == L'[')
         keyLine(statement, at);
@@ -144,7 +151,7 @@ class Parser {
   };
 
   void keyLine(const Statement& statement, std::size_t at) {
-    const std::wstring& text = statement.text();
+    std::wstring_view text = statement.text();
     std::size_t close = text.find_last_not_of(kRegBlanks);
     if (close == at || text[close] != L']')
       fail(statement, close + 1, "expected ']' at the end of the key");
@@ -212,15 +219,17 @@ class Parser {
 
   void valueLine(Statement& statement, std::size_t at) {
     if (!key_ && !keyDeleted_) fail(statement, at, "a value needs a [key] line before it");
-    const std::wstring& text = statement.text();
+    std::wstring_view text = statement.text();
     std::size_t nameStart = at;
-    std::wstring name;
-    if (text[at] == L'@')
+    RegistryName name;
+    if (text[at] == L'@') {
       ++at;
-    else
-      name = quoted(statement, at);
-    if (name.size() > kMaxValueName)
-      fail(statement, nameStart, "a value name is at most 16383 characters");
+    } else {
+      std::wstring_view spelled = quoted(statement, at);
+      if (spelled.size() > kMaxValueName)
+        fail(statement, nameStart, "a value name is at most 16383 characters");
+      name = spelled;
+    }
     skipBlanks(text, at);
     if (at == text.size() || text[at] != L'=')
       fail(statement, at, "expected '=' after the value name");
@@ -232,21 +241,25 @@ class Parser {
       key_->removeValue(name);
       return;
     }
-    value->name = std::move(name);
+    value->name = name;
     key_->setValue(std::move(*value));
   }
 
   // The value after '=', nullopt for '-' (delete it).
   std::optional<RegistryValue> data(Statement& statement, std::size_t at) {
-    const std::wstring& text = statement.text();
+    std::wstring_view text = statement.text();
     if (at < text.size() && text[at] == L'-') {
       expectEnd(statement, at + 1);
       return std::nullopt;
     }
     if (at < text.size() && text[at] == L'"') {
-      std::wstring string = quoted(statement, at);
+      std::wstring_view string = quoted(statement, at);
+      std::string bytes;
+      bytes.reserve(2 * string.size() + 2);
+      appendUtf16Bytes(bytes, string);
+      bytes.append(2, '\0');
       expectEnd(statement, at);
-      return RegistryValue{L"", REG_SZ, utf16Bytes(string) + std::string(2, '\0')};
+      return RegistryValue{{}, REG_SZ, std::move(bytes)};
     }
     if (hasPrefix(text, at, L"dword:")) {
       std::size_t digits = at + 6;
@@ -256,18 +269,18 @@ class Parser {
       std::string bytes;
       for (int shift = 0; shift < 32; shift += 8)
         bytes.push_back(static_cast<char>(*number >> shift));
-      return RegistryValue{L"", REG_DWORD, bytes};
+      return RegistryValue{{}, REG_DWORD, bytes};
     }
     if (hasPrefix(text, at, L"hex")) {
       std::uint32_t type = hexType(statement, at);
-      return RegistryValue{L"", type, storedBytes(type, hexList(statement, at))};
+      return RegistryValue{{}, type, storedBytes(type, hexList(statement, at))};
     }
     fail(statement, at, "expected \"text\", dword:, hex:, hex(type): or - after '='");
   }
 
   // "hex:" is REG_BINARY, "hex(N):" type N; `at` moves past the ':'.
   std::uint32_t hexType(const Statement& statement, std::size_t& at) const {
-    const std::wstring& text = statement.text();
+    std::wstring_view text = statement.text();
     at += 3;
     std::uint32_t type = REG_BINARY;
     if (at < text.size() && text[at] == L'(') {
@@ -291,7 +304,7 @@ class Parser {
       statement.append(line.substr(start), next_ + 1, start);
       ++next_;
     }
-    const std::wstring& text = statement.text();
+    std::wstring_view text = statement.text();
     std::string bytes;
     skipBlanks(text, at);
     if (at == text.size() || text[at] == L';') return bytes;
@@ -318,11 +331,18 @@ class Parser {
     return decoded ? utf16Bytes(decoded->text) : bytes;
   }
 
-  // A quoted string with the escapes \\ and \"; `at` moves past the closing quote.
-  std::wstring quoted(const Statement& statement, std::size_t& at) const {
-    const std::wstring& text = statement.text();
+  // A quoted string with the escapes \\ and \"; `at` moves past the closing quote. The string is
+  // a view of the statement, or of the parser's own copy when it has escapes, until the next call.
+  std::wstring_view quoted(const Statement& statement, std::size_t& at) {
+    std::wstring_view text = statement.text();
     std::size_t open = at++;
-    std::wstring result;
+    std::size_t close = text.find_first_of(L"\"\\", at);
+    if (close != std::wstring_view::npos && text[close] == L'"') {
+      at = close + 1;
+      return text.substr(open + 1, close - open - 1);
+    }
+    std::wstring& result = unescaped_;
+    result.clear();
     for (;; ++at) {
       if (at == text.size()) fail(statement, open, "missing the closing '\"'");
       wchar_t c = text[at];
@@ -340,7 +360,7 @@ class Parser {
 
   // Only blanks and a ; comment may follow a value.
   void expectEnd(const Statement& statement, std::size_t at) const {
-    const std::wstring& text = statement.text();
+    std::wstring_view text = statement.text();
     skipBlanks(text, at);
     if (at < text.size() && text[at] != L';')
       fail(statement, at, "unexpected text after the value");
@@ -359,6 +379,7 @@ class Parser {
   std::size_t end_;
   RegistryKey* key_ = nullptr;  // where values go
   bool keyDeleted_ = false;     // the last key line was [-key]
+  std::wstring unescaped_;      // the last quoted string that had escapes
   // The keys of the path last made, from the hive's root down; emptied when a key is deleted.
   std::vector<RegistryKey*> made_;
   Hive madeHive_ = Hive::LocalMachine;
@@ -404,13 +425,13 @@ std::vector<std::size_t> partStarts(const RegText& text) {
 // Whether the text deletes keys or values: such a text acts on what came before it, so it is
 // read in one piece. A line that only looks so costs no more than that.
 bool deletesAnything(const RegText& text) {
-  for (const std::wstring& line : text.lines) {
+  for (std::wstring_view line : text.lines) {
     std::size_t at = line.find_first_not_of(kRegBlanks);
-    if (at != std::wstring::npos && line.compare(at, 2, L"[-") == 0) return true;
-    for (std::size_t equals = line.find(L'='); equals != std::wstring::npos;
+    if (at != std::wstring_view::npos && line.compare(at, 2, L"[-") == 0) return true;
+    for (std::size_t equals = line.find(L'='); equals != std::wstring_view::npos;
          equals = line.find(L'=', equals + 1)) {
       std::size_t next = line.find_first_not_of(kRegBlanks, equals + 1);
-      if (next != std::wstring::npos && line[next] == L'-') return true;
+      if (next != std::wstring_view::npos && line[next] == L'-') return true;
     }
   }
   return false;

@@ -49,21 +49,27 @@ std::vector<std::string_view> splitLines(std::string_view bytes, std::size_t uni
   return lines;
 }
 
-std::optional<std::wstring> decodeLine(std::string_view bytes, Encoding encoding,
-                                       unsigned ansiCodePage) {
-  std::wstring text;
+// Appends the line's text to `out`, without its '\r'; false for bytes that are no text.
+bool decodeLine(std::string_view bytes, Encoding encoding, unsigned ansiCodePage,
+                std::wstring& out) {
+  std::size_t start = out.size();
   if (encoding == Encoding::Utf16) {
-    text = fromUtf16Bytes(bytes);
-    if (std::any_of(text.begin(), text.end(), [](wchar_t c) { return c >= 0xD800 && c <= 0xDFFF; }))
-      return std::nullopt;
+    out += fromUtf16Bytes(bytes);
+    if (std::any_of(out.begin() + start, out.end(),
+                    [](wchar_t c) { return c >= 0xD800 && c <= 0xDFFF; }))
+      return false;
+  } else if (std::all_of(bytes.begin(), bytes.end(),
+                         [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+    // ASCII is the same in UTF-8 and every ANSI code page.
+    out.append(bytes.begin(), bytes.end());
   } else {
     auto decoded = decode(encoding == Encoding::Utf8 ? kUtf8CodePage : ansiCodePage, bytes.data(),
                           bytes.size());
-    if (!decoded || decoded->invalid) return std::nullopt;
-    text = std::move(decoded->text);
+    if (!decoded || decoded->invalid) return false;
+    out += decoded->text;
   }
-  if (!text.empty() && text.back() == L'\r') text.pop_back();
-  return text;
+  if (out.size() > start && out.back() == L'\r') out.pop_back();
+  return true;
 }
 
 std::string describe(Encoding encoding, unsigned ansiCodePage) {
@@ -87,15 +93,22 @@ RegText decodeRegText(std::string_view bytes, const std::string& file, unsigned 
   std::vector<std::string_view> lines = splitLines(bytes, unit);
   RegText text;
   text.lines.resize(lines.size());
-  inParallel((lines.size() + kLinesPerPart - 1) / kLinesPerPart, [&](std::size_t part) {
-    std::size_t end = std::min(lines.size(), (part + 1) * kLinesPerPart);
-    for (std::size_t at = part * kLinesPerPart; at < end; ++at) {
-      auto decoded = decodeLine(lines[at], encoding, ansiCodePage);
-      if (!decoded)
+  text.parts.resize((lines.size() + kLinesPerPart - 1) / kLinesPerPart);
+  inParallel(text.parts.size(), [&](std::size_t part) {
+    std::size_t first = part * kLinesPerPart, end = std::min(lines.size(), first + kLinesPerPart);
+    std::wstring& decoded = text.parts[part];
+    std::vector<std::size_t> ends;
+    ends.reserve(end - first);
+    for (std::size_t at = first; at < end; ++at) {
+      if (!decodeLine(lines[at], encoding, ansiCodePage, decoded))
         throw MachineError(file + ":" + std::to_string(at + 1) + ": not " +
                            describe(encoding, ansiCodePage));
-      text.lines[at] = std::move(*decoded);
+      ends.push_back(decoded.size());
     }
+    // Views only once the part's text has stopped growing.
+    std::wstring_view all = decoded;
+    for (std::size_t at = first, begin = 0; at < end; begin = ends[at - first], ++at)
+      text.lines[at] = all.substr(begin, ends[at - first] - begin);
   });
   std::wstring_view header = text.lines[0];
   std::string first = toUtf8(header.substr(0, header.find_last_not_of(kRegBlanks) + 1));

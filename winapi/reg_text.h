@@ -16,8 +16,9 @@ constexpr std::size_t kLinesPerPart = 16384;
 constexpr std::wstring_view kRegBlanks = L" \t";
 
 struct RegText {
-  bool regedit4 = false;            // the REGEDIT4 form, whose hex strings are ANSI text
-  std::vector<std::wstring> lines;  // the header first, without line ends
+  bool regedit4 = false;                 // the REGEDIT4 form, whose hex strings are ANSI text
+  std::vector<std::wstring_view> lines;  // the header first, without line ends; views of `parts`
+  std::vector<std::wstring> parts;       // the decoded text, one piece per part of lines
 };
 
 // Throws MachineError "file:line: problem" for bytes that are not text in their encoding and

@@ -47,6 +47,11 @@ int compareIgnoringCase(std::wstring_view a, std::wstring_view b) {
 std::string utf16Bytes(std::wstring_view text) {
   std::string bytes;
   bytes.reserve(text.size() * 2);
+  appendUtf16Bytes(bytes, text);
+  return bytes;
+}
+
+void appendUtf16Bytes(std::string& bytes, std::wstring_view text) {
   for (wchar_t c : text) {
     auto code = static_cast<std::uint32_t>(c);
     if (code < kFirstSupplementary) {
@@ -57,7 +62,6 @@ std::string utf16Bytes(std::wstring_view text) {
       appendUnit(bytes, kFirstLowSurrogate + (code & 0x3FF));
     }
   }
-  return bytes;
 }
 
 std::wstring fromUtf16Bytes(std::string_view bytes) {

@@ -29,6 +29,7 @@ int compareIgnoringCase(std::wstring_view a, std::wstring_view b);
 
 // Text as UTF-16LE bytes, without a terminator.
 std::string utf16Bytes(std::wstring_view text);
+void appendUtf16Bytes(std::string& bytes, std::wstring_view text);
 // UTF-16LE bytes as text; an odd last byte is dropped and an unpaired surrogate kept as it is.
 std::wstring fromUtf16Bytes(std::string_view bytes);
 
