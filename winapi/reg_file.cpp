@@ -142,6 +142,7 @@ class Parser {
       else
         fail(statement, at, "expected [key], \"name\"=, @= or a ; comment");
     }
+    if (key_) key_->shrinkToFit();
   }
 
  private:
@@ -158,6 +159,7 @@ class Parser {
     bool remove = text[at + 1] == L'-';
     Target target = keyPath(statement, at + (remove ? 2 : 1), close);
     keyDeleted_ = remove;
+    if (key_) key_->shrinkToFit();
     key_ = remove ? nullptr : &makeKey(target);
     if (!remove) return;
     if (target.path.empty()) fail(statement, at + 2, "a root key cannot be deleted");

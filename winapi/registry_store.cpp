@@ -113,16 +113,63 @@ void RegistryKey::sortSubKeys() const {
   sorted_ = true;
 }
 
-std::size_t RegistryKey::FoldedHash::operator()(std::wstring_view name) const {
-  // FNV-1a over the upper-cased characters.
+namespace {
+
+// FNV-1a over the upper-cased characters.
+std::size_t foldedHash(std::wstring_view name) {
   std::size_t hash = 14695981039346656037ull;
   for (wchar_t c : name) hash = (hash ^ static_cast<std::uint32_t>(upper(c))) * 1099511628211ull;
-  return hash;
+  // The low bits choose the slot; FNV's low bits hear only the low bits of each character.
+  return hash ^ (hash >> 32);
+}
+
+}  // namespace
+
+RegistryKey* RegistryKey::SubKeyIndex::find(std::wstring_view name) const {
+  if (size_ == 0) return nullptr;
+  std::size_t hash = foldedHash(name);
+  for (std::size_t at = home(hash); slots_[at].key; at = next(at))
+    if (slots_[at].hash == hash && compareIgnoringCase(slots_[at].key->name(), name) == 0)
+      return slots_[at].key;
+  return nullptr;
+}
+
+void RegistryKey::SubKeyIndex::insert(RegistryKey* key) {
+  if (2 * (size_ + 1) > slots_.size()) {
+    std::vector<Slot> old(std::max<std::size_t>(8, 2 * slots_.size()), Slot{0, nullptr});
+    old.swap(slots_);
+    for (const Slot& slot : old)
+      if (slot.key) place(slot);
+  }
+  place({foldedHash(key->name()), key});
+  ++size_;
+}
+
+void RegistryKey::SubKeyIndex::place(Slot slot) {
+  std::size_t at = home(slot.hash);
+  while (slots_[at].key) at = next(at);
+  slots_[at] = slot;
+}
+
+void RegistryKey::SubKeyIndex::erase(const RegistryKey* key) {
+  std::size_t hole = home(foldedHash(key->name()));
+  while (slots_[hole].key != key) hole = next(hole);
+  // The slots after the hole, up to a free one, move back into it when their home allows, so that
+  // every key stays reachable from its home without passing a free slot.
+  for (std::size_t at = next(hole); slots_[at].key; at = next(at)) {
+    std::size_t want = home(slots_[at].hash);
+    bool reachable = hole <= at ? (want <= hole || want > at) : (want <= hole && want > at);
+    if (reachable) {
+      slots_[hole] = slots_[at];
+      hole = at;
+    }
+  }
+  slots_[hole] = Slot{0, nullptr};
+  --size_;
 }
 
 const RegistryKey* RegistryKey::subKey(std::wstring_view name) const {
-  auto found = subKeyIndex_.find(name);
-  return found == subKeyIndex_.end() ? nullptr : found->second;
+  return subKeyIndex_.find(name);
 }
 
 void RegistryKey::indexValues() const {
@@ -132,6 +179,13 @@ void RegistryKey::indexValues() const {
 }
 
 const RegistryValue* RegistryKey::value(std::wstring_view name) const {
+  // A few values are looked at one by one, without asking for the name made.
+  if (values_.size() <= kValuesScanned) {
+    auto found = std::find_if(values_.begin(), values_.end(), [&](const RegistryValue& value) {
+      return compareIgnoringCase(value.name, name) == 0;
+    });
+    return found == values_.end() ? nullptr : &*found;
+  }
   std::optional<RegistryName> known = RegistryName::known(name);
   return known ? findValue(*known) : nullptr;
 }
@@ -158,15 +212,14 @@ RegistryKey* RegistryKey::find(const RegistryPath& path) {
 }
 
 RegistryKey& RegistryKey::makeSubKey(std::wstring_view name) {
-  auto found = subKeyIndex_.find(name);
-  if (found != subKeyIndex_.end()) return *found->second;
+  if (RegistryKey* found = subKeyIndex_.find(name)) return *found;
   return adopt(std::make_unique<RegistryKey>(std::wstring(name)));
 }
 
 RegistryKey& RegistryKey::adopt(std::unique_ptr<RegistryKey> key) {
   subKeys_.push_back(std::move(key));
   RegistryKey* adopted = subKeys_.back().get();
-  subKeyIndex_.emplace(adopted->name(), adopted);
+  subKeyIndex_.insert(adopted);
   if (sorted_ && subKeys_.size() > 1)
     sorted_ = compareIgnoringCase(subKeys_[subKeys_.size() - 2]->name(), adopted->name()) < 0;
   return *adopted;
@@ -176,9 +229,8 @@ void RegistryKey::absorb(RegistryKey&& other) {
   for (RegistryValue& value : other.values_) setValue(std::move(value));
   // A sub-key new here comes over whole, with everything below it.
   for (std::unique_ptr<RegistryKey>& subKey : other.subKeys_) {
-    auto found = subKeyIndex_.find(subKey->name());
-    if (found != subKeyIndex_.end())
-      found->second->absorb(std::move(*subKey));
+    if (RegistryKey* found = subKeyIndex_.find(subKey->name()))
+      found->absorb(std::move(*subKey));
     else
       adopt(std::move(subKey));
   }
@@ -189,11 +241,9 @@ void RegistryKey::absorb(RegistryKey&& other) {
 }
 
 void RegistryKey::removeSubKey(std::wstring_view name) {
-  auto indexed = subKeyIndex_.find(name);
-  if (indexed == subKeyIndex_.end()) return;
-  const RegistryKey* removed = indexed->second;
-  // The index entry views the key's name: it goes first.
-  subKeyIndex_.erase(indexed);
+  const RegistryKey* removed = subKeyIndex_.find(name);
+  if (!removed) return;
+  subKeyIndex_.erase(removed);
   subKeys_.erase(
       std::find_if(subKeys_.begin(), subKeys_.end(),
                    [&](const std::unique_ptr<RegistryKey>& key) { return key.get() == removed; }));

@@ -67,6 +67,9 @@ class RegistryKey {
   // A value of the same name is replaced in its place.
   void setValue(RegistryValue value);
   void removeValue(std::wstring_view name);
+  // Gives back the room kept for values to come, once a key has all it will have for a while:
+  // a registry holds a hundred thousand keys of a few values each.
+  void shrinkToFit() { values_.shrink_to_fit(); }
 
  private:
   // Keys with at most this many values find a value by looking at each.
@@ -77,21 +80,33 @@ class RegistryKey {
   void sortSubKeys() const;
   RegistryKey& adopt(std::unique_ptr<RegistryKey> key);
 
-  // Names hashed and compared as Windows compares them, so that a lookup copies nothing.
-  struct FoldedHash {
-    std::size_t operator()(std::wstring_view name) const;
-  };
-  struct FoldedEqual {
-    bool operator()(std::wstring_view a, std::wstring_view b) const {
-      return compareIgnoringCase(a, b) == 0;
-    }
+  // Sub-keys by the hash of their upper-cased names, in open addressing: a lookup in a key of a
+  // hundred thousand sub-keys reads one slot and the name it leads to, and copies nothing.
+  class SubKeyIndex {
+   public:
+    RegistryKey* find(std::wstring_view name) const;
+    // `key` is not in the index yet.
+    void insert(RegistryKey* key);
+    void erase(const RegistryKey* key);
+    void clear() { *this = SubKeyIndex(); }
+
+   private:
+    struct Slot {
+      std::size_t hash;
+      RegistryKey* key;  // nullptr: free
+    };
+    std::size_t home(std::size_t hash) const { return hash & (slots_.size() - 1); }
+    std::size_t next(std::size_t at) const { return (at + 1) & (slots_.size() - 1); }
+    void place(Slot slot);
+
+    std::vector<Slot> slots_;  // a power of two, at most half of them taken
+    std::size_t size_ = 0;
   };
 
   std::wstring name_;
   mutable SubKeys subKeys_;
   mutable bool sorted_ = true;
-  // Views of the sub-keys' own names, which stay where they are while the sub-key lives.
-  std::unordered_map<std::wstring_view, RegistryKey*, FoldedHash, FoldedEqual> subKeyIndex_;
+  SubKeyIndex subKeyIndex_;
   std::vector<RegistryValue> values_;
   // Value positions by RegistryName::foldedHash; built once a key has more than kValuesScanned
   // values.

@@ -40,6 +40,25 @@ TEST(RegistryStore, SubKeysMadeOutOfOrderAreListedSortedAndFoundInAnySpelling) {
   EXPECT_EQ(root.find({L"a", L"child"}), root.subKey(L"a")->subKey(L"child"));
 }
 
+// The sub-key index packs its entries; removing some must leave every other one reachable.
+TEST(RegistryStore, ManySubKeysStayFoundAsOthersAreRemoved) {
+  RegistryKey root(L"ROOT");
+  const int count = 2000;
+  auto name = [](int i) { return L"{" + std::to_wstring(i * 7919 % 10007) + L"-Key}"; };
+  auto spelledOtherwise = [](int i) { return L"{" + std::to_wstring(i * 7919 % 10007) + L"-KEY}"; };
+  for (int i = 0; i < count; ++i) root.makeSubKey(name(i));
+  for (int i = 0; i < count; i += 3) root.removeSubKey(name(i));
+  root.removeSubKey(L"absent");
+  for (int i = 0; i < count; ++i) {
+    const RegistryKey* found = root.subKey(spelledOtherwise(i));
+    if (i % 3 == 0)
+      EXPECT_EQ(found, nullptr) << i;
+    else
+      ASSERT_TRUE(found && found->name() == name(i)) << i;
+  }
+  EXPECT_EQ(root.subKeys().size(), static_cast<std::size_t>(count - (count + 2) / 3));
+}
+
 // Keys with many values find them through an index; it has to stay right as values are
 // replaced, added and removed.
 TEST(RegistryStore, ManyValuesKeepTheirOrderAndAreFoundAfterEveryChange) {
