@@ -1,5 +1,6 @@
 #include "frame/get_info.h"
 
+#include <utility>
 #include <vector>
 
 #include "frame/cim_value_builder.h"
@@ -40,14 +41,16 @@ PropertyMap GetInfo::getCIMProperties(FactMap facts) {
   return CIMValueBuilder(getCIMClass()).buildProperties(facts);
 }
 
-int GetInfo::buildInstancesFromRecords(const FactList& records, const PropertyMap& keys,
+int GetInfo::buildInstancesFromRecords(FactList records, const PropertyMap& keys,
                                        const std::string& prefix) {
   int count = 0;
-  for (const FactMap& record : records) {
+  // Each record is given up as it is built, so that the facts and the instances made of them are
+  // not all held at once.
+  for (FactMap& record : records) {
     try {
-      PropertyMap values = getCIMProperties(record);
+      PropertyMap values = getCIMProperties(std::move(record));
       values.insert(keys.begin(), keys.end());
-      buildCIMInstance(values);
+      buildCIMInstance(std::move(values));
       ++count;
     } catch (const TVRXException& e) {
       logger->logDebug(prefix + constants::kErrorGeneratingInstances + " " +

@@ -30,7 +30,7 @@ class GetInfo {
   // `keys` the record has no value for. A record that fails is skipped with
   // `prefix`, the fixed text and its status code at level 3. Returns the
   // number committed.
-  int buildInstancesFromRecords(const FactList& records, const PropertyMap& keys,
+  int buildInstancesFromRecords(FactList records, const PropertyMap& keys,
                                 const std::string& prefix);
   // Gives every string key property without an entry in `values` the
   // empty text, so that no such key reaches Commit unset.

@@ -118,8 +118,7 @@ PropertyMap InstalledAppInfo::getKeyProperties() {
 }
 
 int InstalledAppInfo::getCIMInstances() {
-  const FactList records = getInfo();
-  return buildInstancesFromRecords(records, getKeyProperties(), "InstalledAppInfo::getCIMInstances ");
+  return buildInstancesFromRecords(getInfo(), getKeyProperties(), "InstalledAppInfo::getCIMInstances ");
 }
 
 }  // namespace installedapps_col

@@ -9,8 +9,7 @@ namespace installedapps_col {
 using namespace NZARVEK20;
 
 int InstalledFixInfo::getCIMInstances() {
-  const FactList records = WindowsFixInfo().getInfo();
-  return buildInstancesFromRecords(records, getKeyProperties(), constants::kFixInstancePrefix);
+  return buildInstancesFromRecords(WindowsFixInfo().getInfo(), getKeyProperties(), constants::kFixInstancePrefix);
 }
 
 PropertyMap InstalledFixInfo::getKeyProperties() {
