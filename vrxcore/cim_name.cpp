@@ -31,4 +31,18 @@ bool CIMNameLess(const std::string& a, const std::string& b) {
   return a.size() < b.size();
 }
 
+bool CIMNameEqual(const std::string& a, const std::string& b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i)
+    if (a[i] != b[i] && lowered(a[i]) != lowered(b[i])) return false;
+  return true;
+}
+
+size_t CIMNameHash(const std::string& name) {
+  // FNV-1a over the lower-cased bytes.
+  size_t hash = 14695981039346656037ull;
+  for (char c : name) hash = (hash ^ lowered(c)) * 1099511628211ull;
+  return hash;
+}
+
 }  // namespace NZARVEK20

@@ -153,7 +153,7 @@ class TRepositoryClass : public ICIMClass, public boost::enable_shared_from_this
   TCIMOptions qualifiers_;
   // Inherited properties first, overrides in their parent's place.
   std::vector<boost::shared_ptr<TRepositoryPropertyDecl>> properties_;
-  std::map<std::string, size_t, TCIMNameOrder> byName_;
+  std::unordered_map<std::string, size_t, TCIMNameHashing, TCIMNameHashing> byName_;
   bool hasSubclasses_ = false;
   bool hasInstances_ = false;
 };

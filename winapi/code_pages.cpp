@@ -110,6 +110,11 @@ std::optional<std::string> charsetOf(unsigned number) {
   return page->charset;
 }
 
+bool keepsAscii(unsigned number) {
+  CodePage* page = codePage(number);
+  return page && page->keepsAscii;
+}
+
 std::optional<Decoded> decode(unsigned number, const char* bytes, std::size_t size) {
   CodePage* page = codePage(number);
   if (!page) return std::nullopt;

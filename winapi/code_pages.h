@@ -13,6 +13,9 @@ constexpr unsigned kUtf8CodePage = 65001;
 
 // glibc's name for a code page, or nullopt when iconv does not know it.
 std::optional<std::string> charsetOf(unsigned codePage);
+// Whether every ASCII character is that one byte in the code page, so ASCII text needs no
+// conversion.
+bool keepsAscii(unsigned codePage);
 
 struct Decoded {
   std::wstring text;

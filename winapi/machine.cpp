@@ -2,6 +2,7 @@
 // the process-wide current machine.
 #include "winapi/machine.h"
 
+#include <atomic>
 #include <filesystem>
 #include <mutex>
 
@@ -255,17 +256,23 @@ namespace {
 
 std::mutex currentMutex;
 std::shared_ptr<Machine> current;
+// The machine `current` holds, read without the lock by every Win32 call: a reference handed out
+// was never safe across a change of machine anyway.
+std::atomic<Machine*> currentFast{nullptr};
 
 }  // namespace
 
 void setCurrentMachine(std::shared_ptr<Machine> machine) {
   std::lock_guard<std::mutex> lock(currentMutex);
   current = std::move(machine);
+  currentFast.store(current.get(), std::memory_order_release);
 }
 
 Machine& currentMachine() {
+  if (Machine* machine = currentFast.load(std::memory_order_acquire)) return *machine;
   std::lock_guard<std::mutex> lock(currentMutex);
   if (!current) current = Machine::fromDescription(nlohmann::json::object());
+  currentFast.store(current.get(), std::memory_order_release);
   return *current;
 }
 

@@ -52,8 +52,10 @@ bool hasPrefix(std::wstring_view text, std::size_t at, std::wstring_view prefix)
   return compareIgnoringCase(text.substr(at, prefix.size()), prefix) == 0;
 }
 
+bool isBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
+
 void skipBlanks(std::wstring_view text, std::size_t& at) {
-  at = std::min(text.find_first_not_of(kRegBlanks, at), text.size());
+  while (at < text.size() && isBlank(text[at])) ++at;
 }
 
 int hexDigit(wchar_t c) {
@@ -338,8 +340,9 @@ class Parser {
   std::wstring_view quoted(const Statement& statement, std::size_t& at) {
     std::wstring_view text = statement.text();
     std::size_t open = at++;
-    std::size_t close = text.find_first_of(L"\"\\", at);
-    if (close != std::wstring_view::npos && text[close] == L'"') {
+    std::size_t close = at;
+    while (close < text.size() && text[close] != L'"' && text[close] != L'\\') ++close;
+    if (close < text.size() && text[close] == L'"') {
       at = close + 1;
       return text.substr(open + 1, close - open - 1);
     }

@@ -91,12 +91,21 @@ LSTATUS keyFor(HKEY handle, REGSAM right, const RegistryKey*& key) {
 
 unsigned codePage() { return winapi::currentMachine().ansiCodePage(); }
 
+// Names and paths are mostly ASCII, which the ANSI code pages keep as it is: such text is widened
+// and narrowed without a conversion.
 std::wstring wide(const char* ansi) {
-  auto decoded = winapi::decode(codePage(), ansi, std::strlen(ansi));
+  std::size_t size = std::strlen(ansi);
+  if (std::all_of(ansi, ansi + size, [](char c) { return static_cast<unsigned char>(c) < 0x80; }) &&
+      winapi::keepsAscii(codePage()))
+    return std::wstring(ansi, ansi + size);
+  auto decoded = winapi::decode(codePage(), ansi, size);
   return decoded ? decoded->text : std::wstring();
 }
 
 std::string ansi(std::wstring_view text) {
+  if (std::all_of(text.begin(), text.end(), [](wchar_t c) { return c > 0 && c < 0x80; }) &&
+      winapi::keepsAscii(codePage()))
+    return std::string(text.begin(), text.end());
   auto encoded = winapi::encode(codePage(), text.data(), text.size(), "?");
   return encoded ? encoded->bytes : std::string();
 }

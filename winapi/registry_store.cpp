@@ -37,6 +37,8 @@ wchar_t upperCase(wchar_t c) { return upper(c); }
 int compareIgnoringCase(std::wstring_view a, std::wstring_view b) {
   std::size_t common = std::min(a.size(), b.size());
   for (std::size_t i = 0; i < common; ++i) {
+    // Names mostly share their case: equal characters are passed over before upper-casing.
+    if (a[i] == b[i]) continue;
     auto x = static_cast<std::uint32_t>(upper(a[i]));
     auto y = static_cast<std::uint32_t>(upper(b[i]));
     if (x != y) return x < y ? -1 : 1;
