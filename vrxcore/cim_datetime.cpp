@@ -1,6 +1,6 @@
 #include "host/cim_datetime.h"
 
-#include <cstdio>
+#include <cstdlib>
 
 #include "host/status.h"
 
@@ -32,6 +32,19 @@ void checkTime(unsigned int hours, unsigned int minutes, unsigned int seconds,
                unsigned int microseconds) {
   if (hours > 23 || minutes > 59 || seconds > 59 || microseconds > 999999)
     invalid("time of day out of range");
+}
+
+// `value` in decimal, at least `width` digits, zeros in front (printf's "%0<width>u"): dates are
+// written for every instance, and this is the hot part of writing them.
+void appendDigits(std::string& text, unsigned int value, size_t width) {
+  char digits[10];
+  size_t count = 0;
+  do {
+    digits[count++] = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  if (count < width) text.append(width - count, '0');
+  while (count > 0) text += digits[--count];
 }
 
 }  // namespace
@@ -99,17 +112,24 @@ TCIMDateTime::TCIMDateTime(const std::string& text) : kind_(Kind::Null) {
 }
 
 std::string TCIMDateTime::ToString() const {
-  char text[32];
   if (kind_ == Kind::Null) return std::string();
+  std::string text;
+  text.reserve(25);
   if (kind_ == Kind::Interval) {
-    std::snprintf(text, sizeof text, "%08u%02u%02u%02u.%06u:000", GetDay(), GetHours(),
-                  GetMinutes(), GetSeconds(), GetMicroseconds());
-  } else {
-    std::snprintf(text, sizeof text, "%04u%02u%02u%02u%02u%02u.%06u%c%03d", GetYear(), GetMonth(),
-                  GetDay(), GetHours(), GetMinutes(), GetSeconds(), GetMicroseconds(),
-                  GetUtcOffset() < 0 ? '-' : '+',
-                  GetUtcOffset() < 0 ? -GetUtcOffset() : GetUtcOffset());
+    appendDigits(text, GetDay(), 8);
+    for (unsigned int part : {GetHours(), GetMinutes(), GetSeconds()}) appendDigits(text, part, 2);
+    text += '.';
+    appendDigits(text, GetMicroseconds(), 6);
+    text += ":000";
+    return text;
   }
+  appendDigits(text, GetYear(), 4);
+  for (unsigned int part : {GetMonth(), GetDay(), GetHours(), GetMinutes(), GetSeconds()})
+    appendDigits(text, part, 2);
+  text += '.';
+  appendDigits(text, GetMicroseconds(), 6);
+  text += GetUtcOffset() < 0 ? '-' : '+';
+  appendDigits(text, static_cast<unsigned int>(std::abs(GetUtcOffset())), 3);
   return text;
 }
 
