@@ -1,7 +1,8 @@
 // One line per implemented function; a new API area adds its functions here.
 #include "winapi/exports.h"
 
-#include <cstring>
+#include <string_view>
+#include <unordered_map>
 
 namespace winapi {
 
@@ -97,8 +98,15 @@ const Export kExports[] = {
 }  // namespace
 
 FARPROC findExport(const std::string& dll, const char* name) {
-  for (const Export& entry : kExports)
-    if (dll == entry.dll && std::strcmp(name, entry.name) == 0) return entry.address;
+  // Asked before every registry key the collector opens: indexed by name once.
+  static const std::unordered_multimap<std::string_view, const Export*> byName = [] {
+    std::unordered_multimap<std::string_view, const Export*> index;
+    for (const Export& entry : kExports) index.emplace(entry.name, &entry);
+    return index;
+  }();
+  auto [entry, end] = byName.equal_range(name);
+  for (; entry != end; ++entry)
+    if (dll == entry->second->dll) return entry->second->address;
   return nullptr;
 }
 
