@@ -54,7 +54,7 @@ DescribedMachine loadDescribed(const fs::path& dir) {
 RegistryKey systemHive(const RegistryKey& system, const std::string& computerName) {
   RegistryKey hive(L"SYSTEM");
   for (const auto& subKey : system.subKeys()) {
-    bool current = winapi::compareIgnoringCase(subKey->name(), L"CurrentControlSet") == 0;
+    bool current = winapi::equalsIgnoringCase(subKey->name(), L"CurrentControlSet");
     copyKey(*subKey, hive.makeSubKey(current ? L"ControlSet001" : subKey->name()));
   }
   std::string one("\1\0\0\0", 4);

@@ -177,7 +177,7 @@ class Parser {
     std::size_t common = 0;
     if (madeHive_ == target.hive)
       while (common < std::min(made_.size(), target.path.size()) &&
-             compareIgnoringCase(made_[common]->name(), target.path[common]) == 0)
+             equalsIgnoringCase(made_[common]->name(), target.path[common]))
         ++common;
     made_.resize(common);
     madeHive_ = target.hive;
@@ -207,13 +207,13 @@ class Parser {
 
   Target rootKey(const Statement& statement, std::size_t at, std::wstring_view name) const {
     for (const RootKey& root : kRootKeys)
-      if (compareIgnoringCase(name, root.name) == 0) return {root.hive, root.below};
+      if (equalsIgnoringCase(name, root.name)) return {root.hive, root.below};
     for (const auto& [abbreviation, full] : kAbbreviations)
-      if (compareIgnoringCase(name, abbreviation) == 0)
+      if (equalsIgnoringCase(name, abbreviation))
         fail(statement, at,
              "regedit does not accept the abbreviation " + toUtf8(name) + "; write " + full);
     for (const wchar_t* unkept : kUnkeptRoots)
-      if (compareIgnoringCase(name, unkept) == 0)
+      if (equalsIgnoringCase(name, unkept))
         fail(statement, at,
              "keys under " + toUtf8(name) +
                  " are not kept for a machine; write them under HKEY_LOCAL_MACHINE or "

@@ -97,6 +97,8 @@ RegText decodeRegText(std::string_view bytes, const std::string& file, unsigned 
   inParallel(text.parts.size(), [&](std::size_t part) {
     std::size_t first = part * kLinesPerPart, end = std::min(lines.size(), first + kLinesPerPart);
     std::wstring& decoded = text.parts[part];
+    // Each code unit is at most one character.
+    decoded.reserve((lines[end - 1].data() + lines[end - 1].size() - lines[first].data()) / unit);
     std::vector<std::size_t> ends;
     ends.reserve(end - first);
     for (std::size_t at = first; at < end; ++at) {

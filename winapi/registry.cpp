@@ -151,9 +151,9 @@ bool in32BitView(REGSAM access) {
 void redirect(KeyPlace& place, REGSAM access) {
   RegistryPath& path = place.path;
   if (place.hive != Hive::LocalMachine || path.empty() || !in32BitView(access) ||
-      winapi::compareIgnoringCase(path[0], L"SOFTWARE") != 0)
+      !winapi::equalsIgnoringCase(path[0], L"SOFTWARE"))
     return;
-  if (path.size() == 1 || winapi::compareIgnoringCase(path[1], kWow64Node) != 0)
+  if (path.size() == 1 || !winapi::equalsIgnoringCase(path[1], kWow64Node))
     path.insert(path.begin() + 1, kWow64Node);
 }
 

@@ -131,7 +131,7 @@ RegistryKey* RegistryKey::SubKeyIndex::find(std::wstring_view name) const {
   if (size_ == 0) return nullptr;
   std::size_t hash = foldedHash(name);
   for (std::size_t at = home(hash); slots_[at].key; at = next(at))
-    if (slots_[at].hash == hash && compareIgnoringCase(slots_[at].key->name(), name) == 0)
+    if (slots_[at].hash == hash && equalsIgnoringCase(slots_[at].key->name(), name))
       return slots_[at].key;
   return nullptr;
 }
@@ -184,7 +184,7 @@ const RegistryValue* RegistryKey::value(std::wstring_view name) const {
   // A few values are looked at one by one, without asking for the name made.
   if (values_.size() <= kValuesScanned) {
     auto found = std::find_if(values_.begin(), values_.end(), [&](const RegistryValue& value) {
-      return compareIgnoringCase(value.name, name) == 0;
+      return equalsIgnoringCase(value.name, name);
     });
     return found == values_.end() ? nullptr : &*found;
   }

@@ -26,6 +26,10 @@ using RegistryPath = std::vector<std::wstring>;
 wchar_t upperCase(wchar_t c);
 // Compares as Windows does for registry names: character by character, upper-cased.
 int compareIgnoringCase(std::wstring_view a, std::wstring_view b);
+// The same name but for case; names of different lengths are told apart without a look.
+inline bool equalsIgnoringCase(std::wstring_view a, std::wstring_view b) {
+  return a.size() == b.size() && compareIgnoringCase(a, b) == 0;
+}
 
 // Text as UTF-16LE bytes, without a terminator.
 std::string utf16Bytes(std::wstring_view text);

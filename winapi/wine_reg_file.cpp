@@ -76,7 +76,7 @@ bool startsWithPath(const RegistryPath& path, const RegistryPath& prefix) {
   return path.size() >= prefix.size() &&
          std::equal(prefix.begin(), prefix.end(), path.begin(),
                     [](const std::wstring& a, const std::wstring& b) {
-                      return compareIgnoringCase(a, b) == 0;
+                      return equalsIgnoringCase(a, b);
                     });
 }
 
