@@ -101,6 +101,8 @@ FactList InstalledAppInfo::getInfo() {
       logger->logDebug(constants::kUnableToEnumerateSubKeys);
       continue;
     }
+    // Every sub-key may add a name: room made once, not by rehashing a hundred thousand.
+    seenIndex.reserve(seenIndex.size() + subKeys.size());
     for (const std::string& subKey : subKeys) {
       FactMap record = reader.readValues(subKey, wanted);
       if (!isApplication(record)) continue;
