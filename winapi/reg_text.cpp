@@ -39,11 +39,11 @@ Encoding takeEncoding(std::string_view& bytes) {
 std::vector<std::string_view> splitLines(std::string_view bytes, std::size_t unit) {
   std::vector<std::string_view> lines;
   std::size_t start = 0;
-  for (std::size_t i = 0; i + unit <= bytes.size(); i += unit) {
-    if (bytes[i] == '\n' && (unit == 1 || bytes[i + 1] == '\0')) {
-      lines.push_back(bytes.substr(start, i - start));
-      start = i + unit;
-    }
+  for (std::size_t i = bytes.find('\n'); i != std::string_view::npos; i = bytes.find('\n', i + 1)) {
+    // In UTF-16LE a line feed is the byte 0x0A at an even place followed by a zero.
+    if (unit == 2 && (i % 2 != 0 || i + 1 == bytes.size() || bytes[i + 1] != '\0')) continue;
+    lines.push_back(bytes.substr(start, i - start));
+    start = i + unit;
   }
   lines.push_back(bytes.substr(start));
   return lines;
