@@ -43,7 +43,7 @@ class TCIMReference {
   using TKeyBindings = std::vector<std::pair<std::string, TCIMValue>>;
 
   TCIMReference();
-  TCIMReference(const std::string& className, const TKeyBindings& keys);
+  TCIMReference(const std::string& className, TKeyBindings keys);
   // Reads "Class.Key=value,..." as ToString writes it; throws
   // TVRXException (4) with the reason on malformed text.
   static TCIMReference Parse(const std::string& path);

@@ -79,10 +79,10 @@ TCIMValue readKeyValue(const std::string& path, size_t& at) {
 
 TCIMReference::TCIMReference() = default;
 
-TCIMReference::TCIMReference(const std::string& className, const TKeyBindings& keys) {
+TCIMReference::TCIMReference(const std::string& className, TKeyBindings keys) {
   auto path = std::make_shared<TPath>();
   path->className = className;
-  path->keys = keys;
+  path->keys = std::move(keys);
   // A stable insertion sort: a path has few keys, and this needs no buffer.
   const auto byName = [](const auto& a, const auto& b) { return CIMNameLess(a.first, b.first); };
   for (auto next = path->keys.begin(); next != path->keys.end(); ++next)
@@ -105,7 +105,7 @@ TCIMReference TCIMReference::Parse(const std::string& path) {
     if (at < path.size() && path[at] != ',') malformed(path, at, "expected ',' after a key value");
     if (at == path.size()) break;
   }
-  return TCIMReference(className, keys);
+  return TCIMReference(className, std::move(keys));
 }
 
 const std::string& TCIMReference::GetInstanceClassName() const {

@@ -46,7 +46,7 @@ TCIMReference TRepositoryInstance::GetReference(TCIMOptions) {
   for (const auto& property : properties_)
     if (property.Decl().IsKey({}) && !property.Value().IsNull())
       keys.emplace_back(property.Decl().GetName({}), property.Value());
-  return TCIMReference(class_->GetName({}), keys);
+  return TCIMReference(class_->GetName({}), std::move(keys));
 }
 
 void TRepositoryInstance::CheckKeys() const {

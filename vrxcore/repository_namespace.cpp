@@ -128,7 +128,7 @@ std::string TRepositoryNamespace::IndexKey(const TCIMReference& path) const {
         index == std::string::npos ? key.first : cimClass->Properties()[index]->GetName({});
     keys.emplace_back(name, key.second);
   }
-  return TCIMReference(cimClass->GetName({}), keys).ToString();
+  return TCIMReference(cimClass->GetName({}), std::move(keys)).ToString();
 }
 
 TRepositoryNamespace::TIndex::iterator TRepositoryNamespace::Lookup(const std::string& key) {
