@@ -427,19 +427,30 @@ std::vector<std::size_t> partStarts(const RegText& text) {
   return starts;
 }
 
-// Whether the text deletes keys or values: such a text acts on what came before it, so it is
-// read in one piece. A line that only looks so costs no more than that.
-bool deletesAnything(const RegText& text) {
-  for (std::wstring_view line : text.lines) {
-    std::size_t at = line.find_first_not_of(kRegBlanks);
-    if (at != std::wstring_view::npos && line.compare(at, 2, L"[-") == 0) return true;
-    for (std::size_t equals = line.find(L'='); equals != std::wstring_view::npos;
-         equals = line.find(L'=', equals + 1)) {
-      std::size_t next = line.find_first_not_of(kRegBlanks, equals + 1);
-      if (next != std::wstring_view::npos && line[next] == L'-') return true;
-    }
+bool deletes(std::wstring_view line) {
+  std::size_t at = line.find_first_not_of(kRegBlanks);
+  if (at != std::wstring_view::npos && line.compare(at, 2, L"[-") == 0) return true;
+  for (std::size_t equals = line.find(L'='); equals != std::wstring_view::npos;
+       equals = line.find(L'=', equals + 1)) {
+    std::size_t next = line.find_first_not_of(kRegBlanks, equals + 1);
+    if (next != std::wstring_view::npos && line[next] == L'-') return true;
   }
   return false;
+}
+
+// Whether the text deletes keys or values: such a text acts on what came before it, so it is
+// read in one piece. A line that only looks so costs no more than that. Looked for on every
+// processor, in parts of lines.
+bool deletesAnything(const RegText& text) {
+  std::size_t parts = (text.lines.size() + kLinesPerPart - 1) / kLinesPerPart;
+  std::vector<char> found(parts, 0);
+  inParallel(parts, [&](std::size_t part) {
+    auto first = text.lines.begin() + static_cast<std::ptrdiff_t>(part * kLinesPerPart);
+    auto end = text.lines.begin() +
+               static_cast<std::ptrdiff_t>(std::min(text.lines.size(), (part + 1) * kLinesPerPart));
+    found[part] = std::any_of(first, end, deletes);
+  });
+  return std::find(found.begin(), found.end(), 1) != found.end();
 }
 
 }  // namespace
