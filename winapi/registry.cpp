@@ -93,13 +93,29 @@ unsigned codePage() { return winapi::currentMachine().ansiCodePage(); }
 
 // Names and paths are mostly ASCII, which the ANSI code pages keep as it is: such text is widened
 // and narrowed without a conversion.
-std::wstring wide(const char* ansi) {
+void widen(const char* ansi, std::wstring& wide) {
   std::size_t size = std::strlen(ansi);
   if (std::all_of(ansi, ansi + size, [](char c) { return static_cast<unsigned char>(c) < 0x80; }) &&
-      winapi::keepsAscii(codePage()))
-    return std::wstring(ansi, ansi + size);
+      winapi::keepsAscii(codePage())) {
+    wide.assign(ansi, ansi + size);
+    return;
+  }
   auto decoded = winapi::decode(codePage(), ansi, size);
-  return decoded ? decoded->text : std::wstring();
+  wide = decoded ? std::move(decoded->text) : std::wstring();
+}
+
+std::wstring wide(const char* ansi) {
+  std::wstring text;
+  widen(ansi, text);
+  return text;
+}
+
+// A value's name as wide text, valid until the thread asks again: values are asked for by the
+// million, and the name's room is kept from one to the next.
+std::wstring_view valueName(const char* ansi) {
+  thread_local std::wstring name;
+  widen(ansi ? ansi : "", name);
+  return name;
 }
 
 std::string ansi(std::wstring_view text) {
@@ -119,16 +135,9 @@ bool isAsciiUtf16(const std::string& bytes) {
   return true;
 }
 
-// Data as the A functions give it: text converted from UTF-16LE, every character of the stored
-// bytes (terminators too), the rest as stored.
-std::string ansiData(const RegistryValue& value) {
-  if (!isText(value.type)) return value.data;
-  // ASCII is the same in every ANSI code page: one byte per unit, an odd last byte dropped.
-  if (!isAsciiUtf16(value.data)) return ansi(winapi::fromUtf16Bytes(value.data));
-  std::string bytes(value.data.size() / 2, '\0');
-  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = value.data[2 * i];
-  return bytes;
-}
+// Text as the A functions give it: converted from UTF-16LE, every character of the stored bytes
+// (terminators too).
+std::string ansiText(const RegistryValue& value) { return ansi(winapi::fromUtf16Bytes(value.data)); }
 
 // "A\B\C" below the handle's key; nullopt for an empty component other than a trailing one.
 std::optional<RegistryPath> subKeyPath(const char* subKey) {
@@ -171,7 +180,7 @@ std::size_t nameLength(std::wstring_view name) {
 
 std::size_t dataLength(const RegistryValue& value) {
   if (!isText(value.type) || isAsciiUtf16(value.data)) return value.data.size();
-  return std::max(value.data.size(), ansiData(value).size());
+  return std::max(value.data.size(), ansiText(value).size());
 }
 
 // The data rule of RegQueryValueExA and RegEnumValueA: the size goes to *count; the data, when
@@ -180,22 +189,42 @@ std::size_t dataLength(const RegistryValue& value) {
 class DataOutput {
  public:
   DataOutput(const RegistryValue& value, LPBYTE data, LPDWORD count)
-      : bytes_(ansiData(value)), text_(isText(value.type)), data_(data), count_(count) {}
+      : text_(isText(value.type)), data_(data), count_(count) {
+    // Other data, and text of ASCII only (the same in every ANSI code page: one byte per unit, an
+    // odd last byte dropped), go out from where they are stored.
+    if (!text_) {
+      stored_ = value.data;
+    } else if (isAsciiUtf16(value.data)) {
+      stored_ = value.data;
+      narrowed_ = true;
+    } else {
+      converted_ = ansiText(value);
+      stored_ = converted_;
+    }
+  }
 
-  bool fits() const { return !data_ || bytes_.size() <= *count_; }
-  void reportSize() { put(count_, bytes_.size()); }
+  bool fits() const { return !data_ || size() <= *count_; }
+  void reportSize() { put(count_, size()); }
   void write() {
     if (data_) {
-      std::copy(bytes_.begin(), bytes_.end(), data_);
-      bool terminated = !bytes_.empty() && bytes_.back() == '\0';
-      if (text_ && !terminated && bytes_.size() < *count_) data_[bytes_.size()] = 0;
+      std::size_t size = this->size();
+      if (narrowed_)
+        for (std::size_t i = 0; i < size; ++i) data_[i] = static_cast<BYTE>(stored_[2 * i]);
+      else
+        std::memcpy(data_, stored_.data(), size);
+      bool terminated = size != 0 && data_[size - 1] == '\0';
+      if (text_ && !terminated && size < *count_) data_[size] = 0;
     }
     reportSize();
   }
 
  private:
-  std::string bytes_;
+  std::size_t size() const { return narrowed_ ? stored_.size() / 2 : stored_.size(); }
+
   bool text_;
+  bool narrowed_ = false;  // `stored_` is UTF-16LE of ASCII, given out a byte per unit
+  std::string converted_;
+  std::string_view stored_;
   LPBYTE data_;
   LPDWORD count_;
 };
@@ -345,7 +374,7 @@ extern "C" LSTATUS WINAPI RegQueryValueExA(HKEY hKey, LPCSTR lpValueName, LPDWOR
   const RegistryKey* key = nullptr;
   if (LSTATUS error = keyFor(hKey, KEY_QUERY_VALUE, key)) return error;
   // A null or empty name is the default value.
-  const RegistryValue* value = key->value(lpValueName ? wide(lpValueName) : L"");
+  const RegistryValue* value = key->value(valueName(lpValueName));
   if (!value) return ERROR_FILE_NOT_FOUND;
   if (lpType) *lpType = value->type;
   DataOutput output(*value, lpData, lpcbData);
