@@ -12,6 +12,7 @@
 
 #include "host/cim_interfaces.h"
 #include "vrxcore/cim_name.h"
+#include "vrxcore/path_index.h"
 
 namespace NZARVEK20 {
 
@@ -61,18 +62,15 @@ class TRepositoryNamespace : public ICIMNamespace,
   void Store(boost::shared_ptr<TRepositoryInstance> instance);
 
  private:
-  // Committed instances by the hash of their path as IndexKey spells it; instances whose hashes
-  // are equal are told apart by their paths, which saves holding every path as text.
-  using TIndex = std::unordered_multimap<size_t, TRepositoryInstance*>;
 
   explicit TRepositoryNamespace(const std::string& name) : name_(name) {}
   // The path as this namespace spells it, so that lookups ignore the case
   // of names but not of values.
   std::string IndexKey(const TCIMReference& path) const;
-  // The entry of the instance whose path IndexKey spells `key`, or the end.
-  TIndex::iterator Lookup(const std::string& key);
+  // The entry of the instance whose path IndexKey spells `key`, or nullptr.
+  TPathIndex::TSlot* Lookup(const std::string& key);
   // The entry of the instance at `path`; throws (NOT_FOUND) when there is none.
-  TIndex::iterator Find(const TCIMReference& path);
+  TPathIndex::TSlot& Find(const TCIMReference& path);
   std::vector<boost::shared_ptr<ICIMInstance>>::iterator PositionOf(const ICIMInstance* instance);
 
   std::string name_;
@@ -81,7 +79,8 @@ class TRepositoryNamespace : public ICIMNamespace,
   std::map<std::string, boost::shared_ptr<ICIMQualifierDecl>> qualifiers_;
   std::vector<boost::shared_ptr<ICIMQualifierDecl>> qualifierOrder_;
   std::vector<boost::shared_ptr<ICIMInstance>> instances_;
-  TIndex index_;
+  // Committed instances by the hash of their path as IndexKey spells it.
+  TPathIndex index_;
   std::vector<TInstanceCallback> subscribers_;
   std::vector<boost::shared_ptr<ICIMNamespace>> underlying_;
   boost::shared_ptr<ICIMNamespace> upcall_;

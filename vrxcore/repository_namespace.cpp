@@ -131,26 +131,24 @@ std::string TRepositoryNamespace::IndexKey(const TCIMReference& path) const {
   return TCIMReference(cimClass->GetName({}), std::move(keys)).ToString();
 }
 
-TRepositoryNamespace::TIndex::iterator TRepositoryNamespace::Lookup(const std::string& key) {
-  const auto candidates = index_.equal_range(std::hash<std::string>()(key));
-  for (auto entry = candidates.first; entry != candidates.second; ++entry)
-    if (ownKey(*entry->second) == key) return entry;
-  return index_.end();
+TPathIndex::TSlot* TRepositoryNamespace::Lookup(const std::string& key) {
+  return index_.Find(std::hash<std::string>()(key),
+                     [&](TRepositoryInstance& instance) { return ownKey(instance) == key; });
 }
 
 void TRepositoryNamespace::Store(boost::shared_ptr<TRepositoryInstance> instance) {
   const std::string key = ownKey(*instance);
-  if (Lookup(key) != index_.end()) fail(VRX_ALREADY_EXISTS, key);
+  if (Lookup(key)) fail(VRX_ALREADY_EXISTS, key);
   instance->MarkCommitted();
-  index_.emplace(std::hash<std::string>()(key), instance.get());
+  index_.Insert(std::hash<std::string>()(key), instance.get());
   instances_.push_back(instance);
   for (const auto& subscriber : subscribers_) subscriber(instance);
 }
 
-TRepositoryNamespace::TIndex::iterator TRepositoryNamespace::Find(const TCIMReference& path) {
-  const auto entry = Lookup(IndexKey(path));
-  if (entry == index_.end()) fail(VRX_NOT_FOUND, path.ToString());
-  return entry;
+TPathIndex::TSlot& TRepositoryNamespace::Find(const TCIMReference& path) {
+  TPathIndex::TSlot* entry = Lookup(IndexKey(path));
+  if (!entry) fail(VRX_NOT_FOUND, path.ToString());
+  return *entry;
 }
 
 std::vector<boost::shared_ptr<ICIMInstance>>::iterator TRepositoryNamespace::PositionOf(
@@ -161,13 +159,13 @@ std::vector<boost::shared_ptr<ICIMInstance>>::iterator TRepositoryNamespace::Pos
 
 boost::shared_ptr<ICIMInstance> TRepositoryNamespace::GetInstance(const TCIMReference& path,
                                                                   TCIMOptions) {
-  return Find(path)->second->shared_from_this();
+  return Find(path).instance->shared_from_this();
 }
 
 void TRepositoryNamespace::DeleteInstance(const TCIMReference& path, TCIMOptions) {
-  const auto entry = Find(path);
-  instances_.erase(PositionOf(entry->second));
-  index_.erase(entry);
+  TPathIndex::TSlot& entry = Find(path);
+  instances_.erase(PositionOf(entry.instance));
+  index_.Erase(&entry);
 }
 
 void TRepositoryNamespace::ModifyInstance(boost::shared_ptr<ICIMInstance> instance, TCIMOptions) {
@@ -175,10 +173,10 @@ void TRepositoryNamespace::ModifyInstance(boost::shared_ptr<ICIMInstance> instan
   if (!replacement || replacement->IsCommitted({}))
     fail(VRX_INVALID_PARAMETER, "ModifyInstance takes a new, uncommitted instance");
   replacement->CheckKeys();
-  const auto entry = Find(replacement->GetReference({}));
+  TPathIndex::TSlot& entry = Find(replacement->GetReference({}));
   replacement->MarkCommitted();
-  *PositionOf(entry->second) = replacement;
-  entry->second = replacement.get();
+  *PositionOf(entry.instance) = replacement;
+  entry.instance = replacement.get();
 }
 
 void TRepositoryNamespace::ExecuteQuery(const std::string& query, const TInstanceCallback& callback,
@@ -194,7 +192,7 @@ void TRepositoryNamespace::ExecuteQuery(const std::string& query, const TInstanc
 
 void TRepositoryNamespace::ClearInstances(TCIMOptions) {
   instances_.clear();
-  index_.clear();
+  index_.Clear();
 }
 
 }  // namespace NZARVEK20

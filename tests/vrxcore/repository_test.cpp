@@ -143,6 +143,30 @@ TEST(Repository, PathsFindTheirInstancesThroughModifyDeleteAndClear) {
   EXPECT_EQ(ns->GetInstances().size(), 1u);
 }
 
+// Enough instances that the path index grows several times, with deletions among them: every
+// path still finds its own instance, a deleted one none, and a deleted path can be committed again.
+TEST(Repository, ManyPathsStayFoundAsTheIndexGrowsAndLosesSome) {
+  auto ns = makeTestNamespace();
+  const int count = 3000;
+  std::vector<TCIMReference> paths;
+  for (int i = 0; i < count; ++i)
+    paths.push_back(setting(*ns, "T_UserSetting", std::to_string(i).c_str())->GetReference({}));
+  for (int i = 0; i < count; i += 3) ns->DeleteInstance(paths[i], {});
+  for (int i = 0; i < count; ++i) {
+    if (i % 3 == 0) {
+      ASSERT_EQ(codeOf([&] { ns->GetInstance(paths[i], {}); }), VRX_NOT_FOUND) << i;
+      continue;
+    }
+    auto found = ns->GetInstance(paths[i], {});
+    ASSERT_EQ(static_cast<std::string>(found->GetProperty("SettingID", {})->GetValue({})),
+              std::to_string(i));
+  }
+  for (int i = 0; i < count; i += 3) setting(*ns, "T_UserSetting", std::to_string(i).c_str());
+  EXPECT_EQ(ns->GetInstances().size(), static_cast<size_t>(count));
+  EXPECT_EQ(codeOf([&] { setting(*ns, "T_UserSetting", "2997"); }), VRX_ALREADY_EXISTS);
+  EXPECT_EQ(codeOf([&] { setting(*ns, "T_UserSetting", "2998"); }), VRX_ALREADY_EXISTS);
+}
+
 TEST(Repository, PropertiesHandedOutKeepTheirInstanceAlive) {
   auto instance = makeTestNamespace()->GetClass("T_UserSetting", {})->AllocateInstance({});
   instance->SetPropertyValue("SettingID", TCIMValue("PATH"), {});
