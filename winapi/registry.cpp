@@ -297,8 +297,11 @@ extern "C" LSTATUS WINAPI RegQueryInfoKeyA(HKEY hKey, LPSTR lpClass, LPDWORD lpc
   if (lpClass) *lpClass = '\0';
   put(lpcchClass, 0);
   std::size_t longestSubKey = 0, longestName = 0, longestData = 0;
-  for (const auto& subKey : key->subKeys())
-    longestSubKey = std::max(longestSubKey, nameLength(subKey->name()));
+  if (std::optional<std::size_t> ascii = key->longestAsciiSubKeyName())
+    longestSubKey = *ascii;
+  else
+    for (const auto& subKey : key->subKeys())
+      longestSubKey = std::max(longestSubKey, nameLength(subKey->name()));
   // Each value's data is a block of its own: asked for all at once, they arrive together rather
   // than one after another.
   for (const RegistryValue& value : key->values()) __builtin_prefetch(value.data.data());

@@ -218,9 +218,33 @@ RegistryKey& RegistryKey::makeSubKey(std::wstring_view name) {
   return adopt(std::make_unique<RegistryKey>(std::wstring(name)));
 }
 
+namespace {
+
+bool isAscii(std::wstring_view name) {
+  return std::all_of(name.begin(), name.end(), [](wchar_t c) { return c >= 0 && c < 0x80; });
+}
+
+}  // namespace
+
+std::optional<std::size_t> RegistryKey::longestAsciiSubKeyName() const {
+  if (!subKeyNamesKnown_) {
+    longestSubKeyName_ = 0;
+    subKeyNamesAscii_ = true;
+    for (const auto& key : subKeys_) {
+      longestSubKeyName_ = std::max(longestSubKeyName_, key->name().size());
+      subKeyNamesAscii_ = subKeyNamesAscii_ && isAscii(key->name());
+    }
+    subKeyNamesKnown_ = true;
+  }
+  if (!subKeyNamesAscii_) return std::nullopt;
+  return longestSubKeyName_;
+}
+
 RegistryKey& RegistryKey::adopt(std::unique_ptr<RegistryKey> key) {
   subKeys_.push_back(std::move(key));
   RegistryKey* adopted = subKeys_.back().get();
+  longestSubKeyName_ = std::max(longestSubKeyName_, adopted->name().size());
+  subKeyNamesAscii_ = subKeyNamesAscii_ && isAscii(adopted->name());
   subKeyIndex_.insert(adopted);
   if (sorted_ && subKeys_.size() > 1)
     sorted_ = compareIgnoringCase(subKeys_[subKeys_.size() - 2]->name(), adopted->name()) < 0;
@@ -238,6 +262,7 @@ void RegistryKey::absorb(RegistryKey&& other) {
   }
   other.subKeyIndex_.clear();
   other.subKeys_.clear();
+  other.subKeyNamesKnown_ = false;
   other.values_.clear();
   other.valueIndex_.clear();
 }
@@ -246,6 +271,7 @@ void RegistryKey::removeSubKey(std::wstring_view name) {
   const RegistryKey* removed = subKeyIndex_.find(name);
   if (!removed) return;
   subKeyIndex_.erase(removed);
+  subKeyNamesKnown_ = false;
   subKeys_.erase(
       std::find_if(subKeys_.begin(), subKeys_.end(),
                    [&](const std::unique_ptr<RegistryKey>& key) { return key.get() == removed; }));

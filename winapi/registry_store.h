@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -57,6 +58,9 @@ class RegistryKey {
   // nullptr when there is none.
   const RegistryKey* subKey(std::wstring_view name) const;
   const RegistryValue* value(std::wstring_view name) const;
+  // The length of the longest sub-key name when every one is ASCII; nullopt when some is not.
+  // Kept as sub-keys are made, so that asking does not read a hundred thousand names.
+  std::optional<std::size_t> longestAsciiSubKeyName() const;
   // The key `path` below this one, nullptr when some part of it is missing.
   const RegistryKey* find(const RegistryPath& path) const;
   RegistryKey* find(const RegistryPath& path);
@@ -110,6 +114,9 @@ class RegistryKey {
   std::wstring name_;
   mutable SubKeys subKeys_;
   mutable bool sorted_ = true;
+  mutable std::size_t longestSubKeyName_ = 0;
+  mutable bool subKeyNamesAscii_ = true;
+  mutable bool subKeyNamesKnown_ = true;  // false once a sub-key was removed
   SubKeyIndex subKeyIndex_;
   std::vector<RegistryValue> values_;
   // Value positions by RegistryName::foldedHash; built once a key has more than kValuesScanned

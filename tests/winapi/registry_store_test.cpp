@@ -57,6 +57,16 @@ TEST(RegistryStore, ManySubKeysStayFoundAsOthersAreRemoved) {
       ASSERT_TRUE(found && found->name() == name(i)) << i;
   }
   EXPECT_EQ(root.subKeys().size(), static_cast<std::size_t>(count - (count + 2) / 3));
+
+  // The longest name is kept as keys come and found again once one goes.
+  RegistryKey names(L"NAMES");
+  names.makeSubKey(L"ab");
+  names.makeSubKey(L"abcd");
+  EXPECT_EQ(names.longestAsciiSubKeyName(), std::optional<std::size_t>(4));
+  names.removeSubKey(L"ABCD");
+  EXPECT_EQ(names.longestAsciiSubKeyName(), std::optional<std::size_t>(2));
+  names.makeSubKey(L"\u00E9");
+  EXPECT_EQ(names.longestAsciiSubKeyName(), std::nullopt);
 }
 
 // Keys with many values find them through an index; it has to stay right as values are
