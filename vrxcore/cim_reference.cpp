@@ -14,10 +14,15 @@ namespace {
 
 void appendQuoted(std::string& out, const std::string& text) {
   out += '"';
-  for (char c : text) {
-    if (c == '\\' || c == '"') out += '\\';
-    out += c;
+  // Runs without a quote or backslash go over whole: a path is made for every instance.
+  size_t start = 0;
+  for (size_t at = 0; at < text.size(); ++at) {
+    if (text[at] != '\\' && text[at] != '"') continue;
+    out.append(text, start, at - start);
+    out += '\\';
+    start = at;
   }
+  out.append(text, start, std::string::npos);
   out += '"';
 }
 

@@ -95,11 +95,14 @@ unsigned codePage() { return winapi::currentMachine().ansiCodePage(); }
 // and narrowed without a conversion.
 void widen(const char* ansi, std::wstring& wide) {
   std::size_t size = std::strlen(ansi);
-  if (std::all_of(ansi, ansi + size, [](char c) { return static_cast<unsigned char>(c) < 0x80; }) &&
-      winapi::keepsAscii(codePage())) {
-    wide.assign(ansi, ansi + size);
-    return;
+  // Copied in place, into the room `wide` already has.
+  wide.resize(size);
+  bool ascii = true;
+  for (std::size_t i = 0; i < size; ++i) {
+    ascii = ascii && static_cast<unsigned char>(ansi[i]) < 0x80;
+    wide[i] = static_cast<unsigned char>(ansi[i]);
   }
+  if (ascii && winapi::keepsAscii(codePage())) return;
   auto decoded = winapi::decode(codePage(), ansi, size);
   wide = decoded ? std::move(decoded->text) : std::wstring();
 }
