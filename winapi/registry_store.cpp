@@ -90,28 +90,41 @@ const RegistryKey::SubKeys& RegistryKey::subKeys() const {
   return subKeys_;
 }
 
-void RegistryKey::sortSubKeys() const {
-  // A sort compares each name many times: the names are upper-cased once, side by side, so
-  // that comparing them reads neither the keys nor their scattered names.
+namespace {
+
+// Sorts `keys` by their upper-cased names. A sort compares each name many times: the names are
+// upper-cased once, side by side, in characters of type Char (a byte each when all are ASCII), so
+// that comparing them reads neither the keys nor their scattered names.
+template <class Char>
+void sortByUpperCasedName(RegistryKey::SubKeys& keys) {
   struct Entry {
     std::size_t begin, size;
     std::unique_ptr<RegistryKey>* key;
   };
-  std::wstring names;
+  std::basic_string<Char> names;
   std::vector<Entry> entries;
-  entries.reserve(subKeys_.size());
-  for (std::unique_ptr<RegistryKey>& key : subKeys_) {
+  entries.reserve(keys.size());
+  for (std::unique_ptr<RegistryKey>& key : keys) {
     entries.push_back({names.size(), key->name().size(), &key});
-    for (wchar_t c : key->name()) names.push_back(upper(c));
+    for (wchar_t c : key->name()) names.push_back(static_cast<Char>(upper(c)));
   }
-  std::wstring_view all = names;
+  std::basic_string_view<Char> all = names;
   std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
     return all.substr(a.begin, a.size) < all.substr(b.begin, b.size);
   });
-  SubKeys sorted;
-  sorted.reserve(subKeys_.size());
+  RegistryKey::SubKeys sorted;
+  sorted.reserve(keys.size());
   for (const Entry& entry : entries) sorted.push_back(std::move(*entry.key));
-  subKeys_ = std::move(sorted);
+  keys = std::move(sorted);
+}
+
+}  // namespace
+
+void RegistryKey::sortSubKeys() const {
+  if (longestAsciiSubKeyName())
+    sortByUpperCasedName<char>(subKeys_);
+  else
+    sortByUpperCasedName<wchar_t>(subKeys_);
   sorted_ = true;
 }
 
