@@ -4,7 +4,7 @@
 # users), inventories each with vrxhost -v and prints wall time, peak RSS and each class's ms.
 # A second table: the same machine as an offline volume (its registry as hive files), inventoried
 # by vrxhost, against libhivex's own export of the Uninstall key (hivexregedit --export).
-# Each command runs RUNS times (3 by default); the run of median wall time is the one reported.
+# Each command runs RUNS times (5 by default); the run of median wall time is the one reported.
 #   bash bench/run.sh [SIZES...]        BUILD_DIR=build/bench by default
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -16,7 +16,7 @@ cmake --build "$BUILD_DIR" -j2 --target vrxhost installedapps vrx_make_machine >
 bin=$BUILD_DIR/bin
 work=$BUILD_DIR/generated
 rm -rf "$work" && mkdir -p "$work"
-RUNS=${RUNS:-3}
+RUNS=${RUNS:-5}
 # measure TIME ERR OUT COMMAND...: runs COMMAND RUNS times, its standard output into OUT; GNU
 # time's %e and %M (wall seconds and peak resident kilobytes) of the median run go to TIME, its
 # stderr to ERR.
