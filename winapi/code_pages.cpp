@@ -98,16 +98,17 @@ CodePage* codePage(unsigned number) {
   return page->toWide.valid() ? page.get() : nullptr;
 }
 
-bool isAscii(const char* bytes, std::size_t size) {
-  return std::all_of(bytes, bytes + size, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 }  // namespace
 
 std::optional<std::string> charsetOf(unsigned number) {
   CodePage* page = codePage(number);
   if (!page) return std::nullopt;
   return page->charset;
+}
+
+bool isAscii(std::string_view bytes) {
+  return std::all_of(bytes.begin(), bytes.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 bool keepsAscii(unsigned number) {
@@ -119,7 +120,7 @@ std::optional<Decoded> decode(unsigned number, const char* bytes, std::size_t si
   CodePage* page = codePage(number);
   if (!page) return std::nullopt;
   Decoded result;
-  if (page->keepsAscii && isAscii(bytes, size)) {
+  if (page->keepsAscii && isAscii(std::string_view(bytes, size))) {
     result.text.assign(bytes, bytes + size);
     return result;
   }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace winapi {
@@ -16,6 +17,8 @@ std::optional<std::string> charsetOf(unsigned codePage);
 // Whether every ASCII character is that one byte in the code page, so ASCII text needs no
 // conversion.
 bool keepsAscii(unsigned codePage);
+// Bytes all below 0x80.
+bool isAscii(std::string_view bytes);
 
 struct Decoded {
   std::wstring text;

@@ -29,4 +29,13 @@ void inParallel(std::size_t parts, const std::function<void(std::size_t part)>& 
     if (error) std::rethrow_exception(error);
 }
 
+void inParallelSlices(
+    std::size_t size, std::size_t perSlice,
+    const std::function<void(std::size_t slice, std::size_t first, std::size_t end)>& work) {
+  inParallel(slicesOf(size, perSlice), [&](std::size_t slice) {
+    std::size_t first = slice * perSlice;
+    work(slice, first, std::min(size, first + perSlice));
+  });
+}
+
 }  // namespace winapi

@@ -442,14 +442,11 @@ bool deletes(std::wstring_view line) {
 // read in one piece. A line that only looks so costs no more than that. Looked for on every
 // processor, in parts of lines.
 bool deletesAnything(const RegText& text) {
-  std::size_t parts = (text.lines.size() + kLinesPerPart - 1) / kLinesPerPart;
-  std::vector<char> found(parts, 0);
-  inParallel(parts, [&](std::size_t part) {
-    auto first = text.lines.begin() + static_cast<std::ptrdiff_t>(part * kLinesPerPart);
-    auto end = text.lines.begin() +
-               static_cast<std::ptrdiff_t>(std::min(text.lines.size(), (part + 1) * kLinesPerPart));
-    found[part] = std::any_of(first, end, deletes);
-  });
+  std::vector<char> found(slicesOf(text.lines.size(), kLinesPerPart), 0);
+  inParallelSlices(
+      text.lines.size(), kLinesPerPart, [&](std::size_t part, std::size_t first, std::size_t end) {
+        found[part] = std::any_of(text.lines.begin() + first, text.lines.begin() + end, deletes);
+      });
   return std::find(found.begin(), found.end(), 1) != found.end();
 }
 

@@ -58,8 +58,7 @@ bool decodeLine(std::string_view bytes, Encoding encoding, unsigned ansiCodePage
     if (std::any_of(out.begin() + start, out.end(),
                     [](wchar_t c) { return c >= 0xD800 && c <= 0xDFFF; }))
       return false;
-  } else if (std::all_of(bytes.begin(), bytes.end(),
-                         [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+  } else if (isAscii(bytes)) {
     // ASCII is the same in UTF-8 and every ANSI code page.
     out.append(bytes.begin(), bytes.end());
   } else {
@@ -93,25 +92,26 @@ RegText decodeRegText(std::string_view bytes, const std::string& file, unsigned 
   std::vector<std::string_view> lines = splitLines(bytes, unit);
   RegText text;
   text.lines.resize(lines.size());
-  text.parts.resize((lines.size() + kLinesPerPart - 1) / kLinesPerPart);
-  inParallel(text.parts.size(), [&](std::size_t part) {
-    std::size_t first = part * kLinesPerPart, end = std::min(lines.size(), first + kLinesPerPart);
-    std::wstring& decoded = text.parts[part];
-    // Each code unit is at most one character.
-    decoded.reserve((lines[end - 1].data() + lines[end - 1].size() - lines[first].data()) / unit);
-    std::vector<std::size_t> ends;
-    ends.reserve(end - first);
-    for (std::size_t at = first; at < end; ++at) {
-      if (!decodeLine(lines[at], encoding, ansiCodePage, decoded))
-        throw MachineError(file + ":" + std::to_string(at + 1) + ": not " +
-                           describe(encoding, ansiCodePage));
-      ends.push_back(decoded.size());
-    }
-    // Views only once the part's text has stopped growing.
-    std::wstring_view all = decoded;
-    for (std::size_t at = first, begin = 0; at < end; begin = ends[at - first], ++at)
-      text.lines[at] = all.substr(begin, ends[at - first] - begin);
-  });
+  text.parts.resize(slicesOf(lines.size(), kLinesPerPart));
+  inParallelSlices(
+      lines.size(), kLinesPerPart, [&](std::size_t part, std::size_t first, std::size_t end) {
+        std::wstring& decoded = text.parts[part];
+        // Each code unit is at most one character.
+        decoded.reserve((lines[end - 1].data() + lines[end - 1].size() - lines[first].data()) /
+                        unit);
+        std::vector<std::size_t> ends;
+        ends.reserve(end - first);
+        for (std::size_t at = first; at < end; ++at) {
+          if (!decodeLine(lines[at], encoding, ansiCodePage, decoded))
+            throw MachineError(file + ":" + std::to_string(at + 1) + ": not " +
+                               describe(encoding, ansiCodePage));
+          ends.push_back(decoded.size());
+        }
+        // Views only once the part's text has stopped growing.
+        std::wstring_view all = decoded;
+        for (std::size_t at = first, begin = 0; at < end; begin = ends[at - first], ++at)
+          text.lines[at] = all.substr(begin, ends[at - first] - begin);
+      });
   std::wstring_view header = text.lines[0];
   std::string first = toUtf8(header.substr(0, header.find_last_not_of(kRegBlanks) + 1));
   if (first != kVersion5 && first != kVersion4)

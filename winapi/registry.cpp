@@ -176,8 +176,7 @@ void put(LPDWORD out, std::size_t value) {
 // Windows counts the longest name in UTF-16 units and the longest data in stored bytes; text in
 // a multi-byte ANSI code page may be longer, and the A functions' buffers must hold it.
 std::size_t nameLength(std::wstring_view name) {
-  // ASCII is one unit and one byte in every ANSI code page.
-  if (std::all_of(name.begin(), name.end(), [](wchar_t c) { return c < 0x80; })) return name.size();
+  if (winapi::isAscii(name)) return name.size();
   return std::max(winapi::utf16Bytes(name).size() / 2, ansi(name).size());
 }
 

@@ -231,14 +231,6 @@ RegistryKey& RegistryKey::makeSubKey(std::wstring_view name) {
   return adopt(std::make_unique<RegistryKey>(std::wstring(name)));
 }
 
-namespace {
-
-bool isAscii(std::wstring_view name) {
-  return std::all_of(name.begin(), name.end(), [](wchar_t c) { return c >= 0 && c < 0x80; });
-}
-
-}  // namespace
-
 std::optional<std::size_t> RegistryKey::longestAsciiSubKeyName() const {
   if (!subKeyNamesKnown_) {
     longestSubKeyName_ = 0;

@@ -32,6 +32,13 @@ inline bool equalsIgnoringCase(std::wstring_view a, std::wstring_view b) {
   return a.size() == b.size() && compareIgnoringCase(a, b) == 0;
 }
 
+// Every character below 0x80: one unit in UTF-16 and one byte in every ANSI code page.
+inline bool isAscii(std::wstring_view name) {
+  for (wchar_t c : name)
+    if (c < 0 || c >= 0x80) return false;
+  return true;
+}
+
 // Text as UTF-16LE bytes, without a terminator.
 std::string utf16Bytes(std::wstring_view text);
 void appendUtf16Bytes(std::string& bytes, std::wstring_view text);
