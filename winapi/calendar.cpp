@@ -1,6 +1,7 @@
 #include "winapi/calendar.h"
 
 #include <cctype>
+#include <cstdio>
 #include <utility>
 
 namespace winapi {
@@ -99,20 +100,84 @@ std::int64_t millisecondsFromCivil(const CivilTime& time) {
          time.millisecond;
 }
 
-std::optional<std::int64_t> parseUtcTime(std::string_view text) {
+namespace {
+
+std::optional<std::int64_t> civilMilliseconds(unsigned year, unsigned month, unsigned day,
+                                              unsigned hour, unsigned minute, unsigned second,
+                                              unsigned ms) {
+  if (month < 1 || month > 12 || day < 1 || day > daysInMonth(static_cast<int>(year), month) ||
+      hour > 23 || minute > 59 || second > 59)
+    return std::nullopt;
+  return millisecondsFromCivil({static_cast<int>(year), month, day, hour, minute, second, ms, 0});
+}
+
+// "YYYY-MM-DDThh:mm:ss[.fff]" and the position after it, its zone not read.
+std::optional<std::int64_t> isoWallClock(std::string_view text, std::size_t& end) {
   if (!separatorsMatch(text)) return std::nullopt;
   auto year = digits(text, 0, 4), month = digits(text, 5, 2), day = digits(text, 8, 2);
   auto hour = digits(text, 11, 2), minute = digits(text, 14, 2), second = digits(text, 17, 2);
-  if (!year || !month || !day || !hour || !minute || !second) return std::nullopt;
-  std::size_t end = 0;
   auto ms = fraction(text, end);
-  if (!ms || end + 1 != text.size() || text[end] != 'Z') return std::nullopt;
-  if (*month < 1 || *month > 12 || *day < 1 ||
-      *day > daysInMonth(static_cast<int>(*year), *month) || *hour > 23 || *minute > 59 ||
-      *second > 59)
+  if (!year || !month || !day || !hour || !minute || !second || !ms) return std::nullopt;
+  return civilMilliseconds(*year, *month, *day, *hour, *minute, *second, *ms);
+}
+
+// "+hh:mm", "-hhmm" or "+hh" east of UTC, in minutes; nullopt for anything else.
+std::optional<std::int64_t> isoOffsetMinutes(std::string_view zone) {
+  if (zone.empty() || (zone[0] != '+' && zone[0] != '-')) return std::nullopt;
+  auto hours = digits(zone, 1, 2);
+  std::optional<unsigned> minutes = 0u;
+  if (zone.size() == 6 && zone[3] == ':')
+    minutes = digits(zone, 4, 2);
+  else if (zone.size() == 5)
+    minutes = digits(zone, 3, 2);
+  else if (zone.size() != 3)
     return std::nullopt;
-  return millisecondsFromCivil(
-      {static_cast<int>(*year), *month, *day, *hour, *minute, *second, *ms, 0});
+  if (!hours || !minutes || *hours > 23 || *minutes > 59) return std::nullopt;
+  std::int64_t offset = *hours * 60 + *minutes;
+  return zone[0] == '-' ? -offset : offset;
+}
+
+// CIM date-time text "yyyymmddHHMMSS.mmmmmm+UUU": a local time and its offset east of UTC.
+std::optional<std::int64_t> parseCimTime(std::string_view text) {
+  if (text.size() != 25 || text[14] != '.' || (text[21] != '+' && text[21] != '-'))
+    return std::nullopt;
+  auto year = digits(text, 0, 4), month = digits(text, 4, 2), day = digits(text, 6, 2);
+  auto hour = digits(text, 8, 2), minute = digits(text, 10, 2), second = digits(text, 12, 2);
+  auto micro = digits(text, 15, 6), offset = digits(text, 22, 3);
+  if (!year || !month || !day || !hour || !minute || !second || !micro || !offset)
+    return std::nullopt;
+  auto local = civilMilliseconds(*year, *month, *day, *hour, *minute, *second, *micro / 1000);
+  if (!local) return std::nullopt;
+  std::int64_t east = text[21] == '-' ? -std::int64_t{*offset} : *offset;
+  return *local - east * 60000;
+}
+
+}  // namespace
+
+std::optional<std::int64_t> parseUtcTime(std::string_view text) {
+  std::size_t end = 0;
+  auto time = isoWallClock(text, end);
+  if (!time || end + 1 != text.size() || text[end] != 'Z') return std::nullopt;
+  return time;
+}
+
+std::optional<std::int64_t> parseZonedTime(std::string_view text) {
+  if (auto cim = parseCimTime(text)) return cim;
+  std::size_t end = 0;
+  auto time = isoWallClock(text, end);
+  if (!time || end >= text.size()) return std::nullopt;
+  if (text.substr(end) == "Z") return time;
+  auto offset = isoOffsetMinutes(text.substr(end));
+  if (!offset) return std::nullopt;
+  return *time - *offset * 60000;
+}
+
+std::string formatUtcTime(std::int64_t milliseconds) {
+  CivilTime time = civilFromMilliseconds(milliseconds);
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02u:%02u:%02u.%03uZ", time.year, time.month,
+                time.day, time.hour, time.minute, time.second, time.millisecond);
+  return text;
 }
 
 }  // namespace winapi

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace winapi {
@@ -28,6 +29,16 @@ std::int64_t millisecondsFromCivil(const CivilTime& time);  // dayOfWeek is not 
 
 // "2026-11-22T10:15:30Z", optionally with a fraction of a second; nullopt when not that form.
 std::optional<std::int64_t> parseUtcTime(std::string_view text);
+// A FILETIME (100-nanosecond ticks since 1601-01-01 UTC) in milliseconds since 1970.
+constexpr std::int64_t millisecondsFromFileTime(std::uint64_t fileTime) {
+  return static_cast<std::int64_t>(fileTime / 10000) - 11644473600000;
+}
+
+// A moment as a person gives one: ISO 8601 with its zone ("2026-11-22T10:15:30Z",
+// "2026-11-22T11:15:30+01:00") or CIM date-time text ("20261122111530.000000+060").
+std::optional<std::int64_t> parseZonedTime(std::string_view text);
+// The form parseUtcTime reads, to the millisecond: "2026-11-22T10:15:30.000Z".
+std::string formatUtcTime(std::int64_t milliseconds);
 
 }  // namespace winapi
 

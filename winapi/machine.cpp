@@ -40,17 +40,18 @@ bool hasEntry(const fs::path& dir, const char* name) {
 // Kinds of machine directory, in the order they are tried: a Wine prefix has a drive_c/ too.
 struct MachineKind {
   bool (*recognises)(const fs::path& dir);
-  std::shared_ptr<Machine> (*load)(const fs::path& dir);
+  std::shared_ptr<Machine> (*load)(const fs::path& dir, std::optional<std::int64_t> now);
 };
 
 bool isDescribed(const fs::path& dir) {
   return hasEntry(dir, "machine.json") || hasEntry(dir, "registry") || hasEntry(dir, "drive_c");
 }
 
-std::shared_ptr<Machine> loadDescribed(const fs::path& dir) {
+std::shared_ptr<Machine> loadDescribed(const fs::path& dir, std::optional<std::int64_t> now) {
   fs::path file = dir / "machine.json";
   nlohmann::json description =
       hasEntry(dir, "machine.json") ? readMachineFile(file.string()) : nlohmann::json::object();
+  if (now) description["now"] = formatUtcTime(*now);
   std::shared_ptr<Registry> registry;
   if (hasEntry(dir, "hives")) {
     // A value both in registry/*.reg and in a hive is the hive's: the hives are mounted last.
@@ -117,16 +118,18 @@ std::string upperDirectoryName(const std::string& directory) {
 
 }  // namespace
 
-std::shared_ptr<Machine> Machine::load(const std::string& dir, const std::string& user) {
+std::shared_ptr<Machine> Machine::load(const std::string& dir, const std::string& user,
+                                       std::optional<std::int64_t> now) {
   if (!user.empty()) {
-    if (!isOfflineVolume(dir)) throw MachineError(dir + ": a profile is picked on an offline volume");
-    return loadOfflineVolumeAs(dir, user);
+    if (!isOfflineVolume(dir))
+      throw MachineError(dir + ": a profile is picked on an offline volume");
+    return loadOfflineVolumeAs(dir, user, now);
   }
   std::error_code error;
   if (!fs::exists(dir, error)) throw MachineError(dir + ": no such directory");
   if (!fs::is_directory(dir, error)) throw MachineError(dir + ": not a directory");
   for (const MachineKind& kind : kKinds)
-    if (kind.recognises(dir)) return kind.load(dir);
+    if (kind.recognises(dir)) return kind.load(dir, now);
   throw MachineError(dir +
                      ": not a machine directory (no machine.json, registry/, drive_c/, "
                      "system.reg with user.reg, or Windows/System32/config/SOFTWARE)");

@@ -83,12 +83,27 @@ void addUser(const Profile& profile, nlohmann::json& facts) {
   facts["environment"]["HOMEPATH"] = "\\Users\\" + profile.name;
 }
 
-std::shared_ptr<Machine> loadVolume(const fs::path& dir, const Profile& profile) {
+// The boot store is read when it can be; a damaged one leaves the machine without it, as
+// bcdedit then has nothing to show.
+void mountBootStore(Registry& registry, const fs::path& dir) {
+  auto store = hostFile(dir, "C:\\Boot\\BCD");
+  if (!store) return;
+  try {
+    mountHiveFile(registry.root(Hive::LocalMachine).makeSubKey(L"BCD00000000"), *store);
+  } catch (const MachineError&) {
+    registry.root(Hive::LocalMachine).removeSubKey(L"BCD00000000");
+  }
+}
+
+std::shared_ptr<Machine> loadVolume(const fs::path& dir, const Profile& profile,
+                                    std::optional<std::int64_t> now) {
   auto registry = std::make_shared<Registry>();
   for (const char* hive : {"SOFTWARE", "SYSTEM"})
     if (auto file = hostFile(dir, std::string(kConfig) + hive)) mountNamedHive(*registry, *file);
   if (!profile.hive.empty()) mountHiveFile(registry->root(Hive::CurrentUser), profile.hive);
-  nlohmann::json facts = registryMachineFacts(*registry);
+  mountBootStore(*registry, dir);
+  if (!now) now = registryShutdownTime(*registry);
+  nlohmann::json facts = registryMachineFacts(*registry, now);
   if (!profile.name.empty()) addUser(profile, facts);
   addPageFiles(*registry, dir, facts);
   return Machine::fromDescription(facts, dir.string(), registry);
@@ -102,15 +117,16 @@ bool isOfflineVolume(const fs::path& dir) {
          hostFile(dir, std::string(kConfig) + "SOFTWARE").has_value();
 }
 
-std::shared_ptr<Machine> loadOfflineVolume(const fs::path& dir) {
-  return loadVolume(dir, lastUsedProfile(dir));
+std::shared_ptr<Machine> loadOfflineVolume(const fs::path& dir, std::optional<std::int64_t> now) {
+  return loadVolume(dir, lastUsedProfile(dir), now);
 }
 
-std::shared_ptr<Machine> loadOfflineVolumeAs(const fs::path& dir, const std::string& user) {
+std::shared_ptr<Machine> loadOfflineVolumeAs(const fs::path& dir, const std::string& user,
+                                             std::optional<std::int64_t> now) {
   auto hive = hostFile(dir, "C:\\Users\\" + user + "\\NTUSER.DAT");
   if (user.find_first_of("\\/") != std::string::npos || !hive)
     throw MachineError((dir / "Users" / user / "NTUSER.DAT").string() + ": no such profile");
-  return loadVolume(dir, {user, *hive});
+  return loadVolume(dir, {user, *hive}, now);
 }
 
 }  // namespace winapi

@@ -2,14 +2,19 @@
 #include "winapi/registry_machine_facts.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <string>
 
+#include "winapi/calendar.h"
 #include "winapi/code_pages.h"
 #include "winapi/little_endian.h"
 #include "winapi/reg_text.h"
+#include "winapi/registry_product.h"
+#include "winapi/registry_time_zone.h"
+#include "winapi/registry_values.h"
 #include "winapi/text.h"
 #include "winapi/windows.h"
 
@@ -19,32 +24,6 @@ namespace {
 
 const RegistryPath kCurrentVersion{L"SOFTWARE", L"Microsoft", L"Windows NT", L"CurrentVersion"};
 const RegistryPath kControl{L"SYSTEM", L"CurrentControlSet", L"Control"};
-
-RegistryPath below(RegistryPath path, std::initializer_list<const wchar_t*> names) {
-  path.insert(path.end(), names.begin(), names.end());
-  return path;
-}
-
-const RegistryValue* valueOf(const RegistryKey& root, const RegistryPath& path,
-                             const wchar_t* name) {
-  const RegistryKey* key = root.find(path);
-  return key ? key->value(name) : nullptr;
-}
-
-bool isText(std::uint32_t type) { return type == REG_SZ || type == REG_EXPAND_SZ; }
-
-// Text up to its first terminator.
-std::string textOf(const RegistryValue& value) {
-  std::wstring text = fromUtf16Bytes(value.data);
-  return toUtf8(text.substr(0, text.find(L'\0')));
-}
-
-std::optional<std::string> text(const RegistryKey& root, const RegistryPath& path,
-                                const wchar_t* name) {
-  const RegistryValue* value = valueOf(root, path, name);
-  if (!value || !isText(value->type)) return std::nullopt;
-  return textOf(*value);
-}
 
 // The variable of that name in any case, nullptr when there is none.
 const nlohmann::json* variable(const nlohmann::json& environment, const std::string& name,
@@ -82,7 +61,7 @@ std::string expand(const std::string& text, const nlohmann::json& environment) {
 void addVariables(const RegistryKey* key, nlohmann::json& environment, bool user) {
   if (!key) return;
   for (const RegistryValue& value : key->values()) {
-    if (!isText(value.type) || value.name.empty()) continue;
+    if (!isText(value) || value.name.empty()) continue;
     std::string text =
         value.type == REG_EXPAND_SZ ? expand(textOf(value), environment) : textOf(value);
     std::string name = toUtf8(value.name);
@@ -92,33 +71,22 @@ void addVariables(const RegistryKey* key, nlohmann::json& environment, bool user
   }
 }
 
-void addVersion(const RegistryKey& machine, nlohmann::json& facts) {
-  auto number = text(machine, kCurrentVersion, L"CurrentVersion");
-  auto build = text(machine, kCurrentVersion, L"CurrentBuildNumber");
-  unsigned major = 0, minor = 0;
-  if (!number || !build || std::sscanf(number->c_str(), "%u.%u", &major, &minor) != 2) return;
-  nlohmann::json version{
-      {"major", major},
-      {"minor", minor},
-      {"build", std::strtoul(build->c_str(), nullptr, 10)},
-      {"platformId", VER_PLATFORM_WIN32_NT},
-      {"csdVersion", text(machine, kCurrentVersion, L"CSDVersion").value_or("")}};
-  auto product = text(machine, below(kControl, {L"ProductOptions"}), L"ProductType");
-  if (product)
-    version["productType"] = equalsIgnoringCase(*product, "WinNT")      ? VER_NT_WORKSTATION
-                             : equalsIgnoringCase(*product, "LanmanNT") ? VER_NT_DOMAIN_CONTROLLER
-                                                                        : VER_NT_SERVER;
-  facts["version"] = version;
+// The year of the machine's local standard time, whose daylight rules the zone follows.
+int zoneYear(const RegistryKey& machine, std::int64_t now) {
+  auto bias = dwordAt(machine, below(kControl, {L"TimeZoneInformation"}), L"Bias");
+  return civilFromMilliseconds(now -
+                               std::int64_t{static_cast<std::int32_t>(bias.value_or(0))} * 60000)
+      .year;
 }
 
 void addSystem(const RegistryKey& machine, nlohmann::json& facts) {
   nlohmann::json system = nlohmann::json::object();
-  if (auto root = text(machine, kCurrentVersion, L"SystemRoot")) {
+  if (auto root = textAt(machine, kCurrentVersion, L"SystemRoot")) {
     system["windowsDirectory"] = *root;
     system["systemDirectory"] = *root + "\\system32";
   }
-  auto architecture = text(machine, below(kControl, {L"Session Manager", L"Environment"}),
-                           L"PROCESSOR_ARCHITECTURE");
+  auto architecture = textAt(machine, below(kControl, {L"Session Manager", L"Environment"}),
+                             L"PROCESSOR_ARCHITECTURE");
   const std::pair<const char*, int> kArchitectures[] = {{"x86", PROCESSOR_ARCHITECTURE_INTEL},
                                                         {"AMD64", PROCESSOR_ARCHITECTURE_AMD64},
                                                         {"ARM64", 12},
@@ -127,35 +95,6 @@ void addSystem(const RegistryKey& machine, nlohmann::json& facts) {
     if (architecture && equalsIgnoringCase(*architecture, name))
       system["processorArchitecture"] = code;
   if (!system.empty()) facts["system"] = system;
-}
-
-nlohmann::json transition(const std::string& data, std::size_t at) {
-  const char* fields[] = {"year", "month",  "dayOfWeek", "day",
-                          "hour", "minute", "second",    "milliseconds"};
-  nlohmann::json rule = nlohmann::json::object();
-  for (std::size_t i = 0; i < 8; ++i) rule[fields[i]] = littleEndian(data, at + 2 * i, 2);
-  return rule;
-}
-
-// The zone's rules are TZI of its Time Zones entry: Bias, StandardBias, DaylightBias, then the
-// standard and daylight dates as SYSTEMTIMEs.
-void addTimeZone(const RegistryKey& machine, nlohmann::json& facts) {
-  auto name = text(machine, below(kControl, {L"TimeZoneInformation"}), L"TimeZoneKeyName");
-  if (!name) return;
-  RegistryPath zone = below(kCurrentVersion, {L"Time Zones"});
-  zone.push_back(utf8ToWide(*name));
-  const RegistryValue* rules = valueOf(machine, zone, L"TZI");
-  if (!rules || rules->data.size() != 44) return;
-  auto signedAt = [&](std::size_t at) {
-    return static_cast<std::int32_t>(littleEndian(rules->data, at, 4));
-  };
-  facts["timeZone"] = {{"bias", signedAt(0)},
-                       {"standardName", text(machine, zone, L"Std").value_or(*name)},
-                       {"standardBias", signedAt(4)},
-                       {"daylightName", text(machine, zone, L"Dlt").value_or(*name)},
-                       {"daylightBias", signedAt(8)},
-                       {"standardDate", transition(rules->data, 12)},
-                       {"daylightDate", transition(rules->data, 28)}};
 }
 
 // The folders Windows names in every process's environment, from where it keeps them.
@@ -175,24 +114,29 @@ void addFolders(const RegistryKey& machine, nlohmann::json& environment) {
                              {"ALLUSERSPROFILE", profileList, L"ProgramData"},
                              {"PUBLIC", profileList, L"Public"}};
   for (const Folder& folder : kFolders)
-    if (auto path = text(machine, folder.key, folder.value))
+    if (auto path = textAt(machine, folder.key, folder.value))
       environment[folder.variable] = expand(*path, environment);
 }
 
 }  // namespace
 
-nlohmann::json registryMachineFacts(const Registry& registry) {
+nlohmann::json registryMachineFacts(const Registry& registry, std::optional<std::int64_t> now) {
   const RegistryKey& machine = registry.root(Hive::LocalMachine);
   nlohmann::json facts = nlohmann::json::object();
   if (auto name =
-          text(machine, below(kControl, {L"ComputerName", L"ComputerName"}), L"ComputerName"))
+          textAt(machine, below(kControl, {L"ComputerName", L"ComputerName"}), L"ComputerName"))
     facts["computerName"] = *name;
-  addVersion(machine, facts);
+  if (auto version = registryVersion(machine); !version.is_null()) facts["version"] = version;
   addSystem(machine, facts);
-  addTimeZone(machine, facts);
+  std::int64_t clock = now.value_or(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                        std::chrono::system_clock::now().time_since_epoch())
+                                        .count());
+  if (now) facts["now"] = formatUtcTime(*now);
+  if (auto zone = registryTimeZone(machine, zoneYear(machine, clock)); !zone.is_null())
+    facts["timeZone"] = zone;
   // What Windows sets before it reads the Environment keys, which refer to them.
   nlohmann::json environment = nlohmann::json::object();
-  if (auto root = text(machine, kCurrentVersion, L"SystemRoot")) {
+  if (auto root = textAt(machine, kCurrentVersion, L"SystemRoot")) {
     environment["SystemRoot"] = *root;
     environment["SystemDrive"] = root->substr(0, 2);
   }
@@ -211,6 +155,16 @@ void addProfileUser(nlohmann::json& facts, const std::string& name, const std::s
   environment["USERNAME"] = name;
   environment["USERPROFILE"] = profile;
   if (facts.contains("computerName")) environment["USERDOMAIN"] = facts["computerName"];
+}
+
+std::optional<std::int64_t> registryShutdownTime(const Registry& registry) {
+  auto stopped =
+      bytesAt(registry.root(Hive::LocalMachine), below(kControl, {L"Windows"}), L"ShutdownTime", 8);
+  if (!stopped) return std::nullopt;
+  std::uint64_t fileTime =
+      std::uint64_t{littleEndian(*stopped, 4, 4)} << 32 | littleEndian(*stopped, 0, 4);
+  if (fileTime == 0) return std::nullopt;
+  return millisecondsFromFileTime(fileTime);
 }
 
 }  // namespace winapi

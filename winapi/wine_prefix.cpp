@@ -55,11 +55,11 @@ bool isWinePrefix(const fs::path& dir) {
          fs::is_regular_file(dir / "user.reg", error) && fs::is_directory(dir / "drive_c", error);
 }
 
-std::shared_ptr<Machine> loadWinePrefix(const fs::path& dir) {
+std::shared_ptr<Machine> loadWinePrefix(const fs::path& dir, std::optional<std::int64_t> now) {
   auto registry = std::make_shared<Registry>();
   merge(*registry, Hive::LocalMachine, dir / "system.reg");
   merge(*registry, Hive::CurrentUser, dir / "user.reg");
-  nlohmann::json facts = registryMachineFacts(*registry);
+  nlohmann::json facts = registryMachineFacts(*registry, now);
   addUser(*registry, facts);
   return Machine::fromDescription(facts, dir.string(), registry);
 }

@@ -4,12 +4,12 @@
 #pragma once
 
 #include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
 #include "tests/frame/plugin_test_support.h"
+#include "tests/winapi/reg_text_values.h"
 
 namespace installedapps_col {
 
@@ -37,26 +37,6 @@ inline std::string machineKey(const std::string& path, const std::string& values
   return "[HKEY_LOCAL_MACHINE\\" + path + "]\r\n" + values + "\r\n";
 }
 
-// A string value line of .reg text; `text` needs no escaping.
-inline std::string stringValue(const std::string& name, const std::string& text) {
-  return "\"" + name + "\"=\"" + text + "\"\r\n";
-}
-
-// A REG_MULTI_SZ value line, UTF-16 as regedit exports it.
-inline std::string multiStringValue(const std::string& name,
-                                    const std::vector<std::string>& texts) {
-  std::string bytes;
-  for (const std::string& text : texts) bytes += text + '\0';
-  bytes += '\0';
-  std::string line = "\"" + name + "\"=hex(7):";
-  char hex[8];
-  for (size_t i = 0; i < bytes.size(); ++i) {
-    snprintf(hex, sizeof hex, "%s%02x,00", i ? "," : "", static_cast<unsigned char>(bytes[i]));
-    line += hex;
-  }
-  return line + "\r\n";
-}
-
 // A Windows 7 Professional x64 in Central Europe, with every live figure:
 // the machine the tests change one member of.
 inline nlohmann::json windows7() {
@@ -65,24 +45,44 @@ inline nlohmann::json windows7() {
       {"now", "2026-11-22T10:15:30Z"},
       {"environment", {{"SystemDrive", "C:"}, {"SystemRoot", "C:\\Windows"}}},
       {"version",
-       {{"major", 6}, {"minor", 1}, {"build", 7601}, {"platformId", 2},
-        {"csdVersion", "Service Pack 1"}, {"suiteMask", 256}, {"productType", 1},
+       {{"major", 6},
+        {"minor", 1},
+        {"build", 7601},
+        {"platformId", 2},
+        {"csdVersion", "Service Pack 1"},
+        {"suiteMask", 256},
+        {"productType", 1},
         {"productInfo", 48}}},
       {"system", {{"processorArchitecture", 9}, {"pageSize", 4096}, {"wow64", false}}},
       {"memory",
-       {{"memoryLoad", 41}, {"totalPhys", 8589934592ULL}, {"availPhys", 5068718080ULL},
-        {"totalPageFile", 17179869184ULL}, {"availPageFile", 12884901888ULL},
-        {"totalVirtual", 140737488224256ULL}, {"availVirtual", 140737400000000ULL}}},
+       {{"memoryLoad", 41},
+        {"totalPhys", 8589934592ULL},
+        {"availPhys", 5068718080ULL},
+        {"totalPageFile", 17179869184ULL},
+        {"availPageFile", 12884901888ULL},
+        {"totalVirtual", 140737488224256ULL},
+        {"availVirtual", 140737400000000ULL}}},
       {"performance",
-       {{"commitTotal", 1000000}, {"commitLimit", 4000000}, {"commitPeak", 1200000},
-        {"physicalTotal", 2097152}, {"physicalAvailable", 1237480}, {"systemCache", 600000},
-        {"kernelTotal", 90000}, {"kernelPaged", 60000}, {"kernelNonpaged", 30000},
-        {"pageSize", 4096}, {"handleCount", 31000}, {"processCount", 120},
+       {{"commitTotal", 1000000},
+        {"commitLimit", 4000000},
+        {"commitPeak", 1200000},
+        {"physicalTotal", 2097152},
+        {"physicalAvailable", 1237480},
+        {"systemCache", 600000},
+        {"kernelTotal", 90000},
+        {"kernelPaged", 60000},
+        {"kernelNonpaged", 30000},
+        {"pageSize", 4096},
+        {"handleCount", 31000},
+        {"processCount", 120},
         {"threadCount", 1500}}},
       {"uptimeSeconds", 70000},
       {"timeZone",
-       {{"bias", -60}, {"standardName", "W. Europe Standard Time"}, {"standardBias", 0},
-        {"daylightName", "W. Europe Daylight Time"}, {"daylightBias", -60},
+       {{"bias", -60},
+        {"standardName", "W. Europe Standard Time"},
+        {"standardBias", 0},
+        {"daylightName", "W. Europe Daylight Time"},
+        {"daylightBias", -60},
         {"standardDate", {{"month", 10}, {"dayOfWeek", 0}, {"day", 5}, {"hour", 3}}},
         {"daylightDate", {{"month", 3}, {"dayOfWeek", 0}, {"day", 5}, {"hour", 2}}}}},
   };

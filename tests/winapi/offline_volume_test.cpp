@@ -63,9 +63,9 @@ TEST(OfflineVolume, DescriptionComesFromItsHivesAndItsLastUser) {
   auto machine = Machine::load(volume.path());
   EXPECT_EQ(machine->computerName(), "OFFLINE-PC");
   const nlohmann::json& description = machine->description();
-  // What GetVersionEx answers a program without a compatibility manifest: CurrentVersion.
+  // What GetVersionEx answers a program without a compatibility manifest: 6.2 past Windows 8.
   EXPECT_EQ(description["version"]["major"], 6);
-  EXPECT_EQ(description["version"]["minor"], 3);
+  EXPECT_EQ(description["version"]["minor"], 2);
   EXPECT_EQ(description["version"]["build"], 19045);
   EXPECT_EQ(description["userName"], "bob");
   EXPECT_EQ(description["pageFiles"],

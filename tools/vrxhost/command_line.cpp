@@ -29,6 +29,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   app.add_option("--machine", options.machine,
                  "machine directory to inventory (Linux; default: the sample machine)");
   app.add_option("--user", options.user, "profile of an offline Windows volume");
+  app.add_option("--now", options.now,
+                 "the machine's present time (ISO 8601 with zone, or CIM date-time text)");
   app.add_option("--schema", options.schema, "MOF file with the class definitions");
   app.add_option("--plugin", options.plugin, "plug-in library to load");
   app.add_option("--format", options.format, "output format")

@@ -9,6 +9,7 @@ namespace vrxhost {
 struct Options {
   std::string machine;
   std::string user;
+  std::string now;  // as given: ISO 8601 with its zone, or CIM date-time text
   std::string schema;
   std::string plugin;
   std::string format = "json";

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "tools/vrxhost/platform.h"
+#include "winapi/calendar.h"
 #include "winapi/machine.h"
 #include "winapi/offline_volume.h"
 
@@ -29,7 +30,13 @@ void presentMachine(const Options& options) {
   if (!options.user.empty() && !winapi::isOfflineVolume(dir))
     throw std::invalid_argument("--user picks a profile of an offline Windows volume; " + dir +
                                 " is none");
-  winapi::setCurrentMachine(winapi::Machine::load(dir, options.user));
+  std::optional<std::int64_t> now;
+  if (!options.now.empty() && !(now = winapi::parseZonedTime(options.now)))
+    throw std::invalid_argument("--now " + options.now +
+                                ": expected an ISO 8601 time with its zone "
+                                "(2026-11-22T10:15:30Z, 2026-11-22T11:15:30+01:00) or CIM "
+                                "date-time text (20261122111530.000000+060)");
+  winapi::setCurrentMachine(winapi::Machine::load(dir, options.user, now));
 }
 
 }  // namespace vrxhost

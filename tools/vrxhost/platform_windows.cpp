@@ -24,10 +24,10 @@ bool replaceFile(const std::string& from, const std::string& to) {
 }
 
 void presentMachine(const Options& options) {
-  if (!options.machine.empty() || !options.user.empty())
+  if (!options.machine.empty() || !options.user.empty() || !options.now.empty())
     throw std::invalid_argument(
-        "--machine and --user are for Linux; on Windows vrxhost inventories the machine it runs "
-        "on");
+        "--machine, --user and --now are for Linux; on Windows vrxhost inventories the machine "
+        "it runs on, at its own time");
 }
 
 }  // namespace vrxhost
