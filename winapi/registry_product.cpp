@@ -208,15 +208,20 @@ struct VersionNumber {
   unsigned major = 0, minor = 0;
 };
 
-// 6.2 for every system past it; the registry's own CurrentVersion otherwise.
+// The numbers Windows 10 and later keep as DWORDs (Wine keeps them for every version it
+// plays), else CurrentVersion's text; every system past 6.2 is told 6.2.
 std::optional<VersionNumber> reportedVersion(const RegistryKey& machine) {
+  auto major = dwordAt(machine, kCurrentVersion, L"CurrentMajorVersionNumber");
+  auto minor = dwordAt(machine, kCurrentVersion, L"CurrentMinorVersionNumber");
   auto number = textAt(machine, kCurrentVersion, L"CurrentVersion");
-  bool pastWindows8 = dwordAt(machine, kCurrentVersion, L"CurrentMajorVersionNumber").has_value();
   VersionNumber version;
-  if (!pastWindows8 &&
-      (!number || std::sscanf(number->c_str(), "%u.%u", &version.major, &version.minor) != 2))
+  if (major) {
+    version = {*major, minor.value_or(0)};
+  } else if (!number ||
+             std::sscanf(number->c_str(), "%u.%u", &version.major, &version.minor) != 2) {
     return std::nullopt;
-  if (pastWindows8 || (version.major == 6 && version.minor == 3)) version = {6, 2};
+  }
+  if (version.major > 6 || (version.major == 6 && version.minor > 2)) version = {6, 2};
   return version;
 }
 

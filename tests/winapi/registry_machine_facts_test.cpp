@@ -57,6 +57,10 @@ TEST(RegistryMachineFacts, VersionIsWhatAProgramWithoutManifestIsTold) {
       {dwordValue("CurrentMajorVersionNumber", 10), 6, 2},
       {stringValue("CurrentVersion", "6.1"), 6, 1},
       {stringValue("CurrentVersion", "5.2"), 5, 2},
+      // Wine keeps the numbers for every version it plays.
+      {stringValue("CurrentVersion", "5.2") + dwordValue("CurrentMajorVersionNumber", 5) +
+           dwordValue("CurrentMinorVersionNumber", 2),
+       5, 2},
   };
   for (const Case& c : cases) {
     nlohmann::json facts =

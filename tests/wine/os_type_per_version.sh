@@ -4,8 +4,10 @@
 # (architecture 9), no R2Setup or MiniNT key, suite tests that all fail, and GetProductInfo
 # answering 0x1C on workstations and 0x7 on servers (neither has an edition row).
 # The program carries no supportedOS manifest, so win81 and win10 are reported as 6.2.
+# The Linux vrxhost given the prefix must find the same OSType from the prefix's registry alone.
 set -euo pipefail
 bin=${1:?folder of the Windows build}
+vrxhost=${2:?the Linux vrxhost}
 source "$(dirname "${BASH_SOURCE[0]}")/throwaway_prefix.sh"
 wineserver -w
 cp "$bin"/*.exe "$bin"/*.dll "$bin"/qelto.mof "$work/"
@@ -35,6 +37,17 @@ for row in "${expected[@]}"; do
     echo "ok   $version: OSType $type, OSSubType $subtype"
   else
     echo "FAIL $version: expected OSType $type OSSubType $subtype, got '$got'"
+    failures=$((failures + 1))
+  fi
+  wineserver -w
+  "$vrxhost" --machine "$WINEPREFIX" --output prefix.json QELTO_OperatingSystem 2>stderr.txt \
+    || { echo "FAIL $version: the Linux vrxhost"; cat stderr.txt; failures=$((failures + 1)); continue; }
+  got=$(jq -r '.instances[] | select(.class == "QELTO_OperatingSystem") | .properties.OSType' \
+          prefix.json)
+  if [ "$got" = "$type" ]; then
+    echo "ok   $version as a prefix: OSType $type"
+  else
+    echo "FAIL $version as a prefix: expected OSType $type, got '$got'"
     failures=$((failures + 1))
   fi
 done
