@@ -98,8 +98,7 @@ void addLoggedOnUser(nlohmann::json& facts, const std::string& user) {
   if (!facts.contains("computerName")) return;
   std::string name = user;
   for (const nlohmann::json& account : facts.value("users", nlohmann::json::array()))
-    if (equalsIgnoringCase(account["name"].get<std::string>(), user))
-      name = account["name"].get<std::string>();
+    if (equalsIgnoringCase(account.value("name", ""), user)) name = account.value("name", "");
   const std::string computer = facts["computerName"].get<std::string>();
   facts["loggedOn"] = nlohmann::json::array(
       {{{"user", name}, {"domain", computer}, {"logonServer", "\\\\" + computer}}});
