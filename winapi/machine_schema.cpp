@@ -108,6 +108,7 @@ const std::map<std::string, Rule> kDescribed = {
     {"users[].countryCode", kDwordInt},
     {"users[].passwordAge", kDwordInt},
     {"users[].lastLogon", kDwordInt},
+    {"users[].userId", kDwordInt},
     {"loggedOn", kArray},
     {"loggedOn[]", kObject},
     {"loggedOn[].user", kString},

@@ -30,7 +30,8 @@ constexpr DWORD kUnlimitedStorage = 0xFFFFFFFF;
 constexpr DWORD kHoursPerWeek = 168;  // UNITS_PER_WEEK: logon hours are counted in hours
 constexpr std::size_t kLogonHoursBytes = kHoursPerWeek / 8;
 constexpr BYTE kAllHours = 0xFF;
-constexpr DWORD kFirstUserId = 1000;  // relative ids of accounts made after setup
+// Relative ids of accounts made after setup, for users whose userId is not given.
+constexpr DWORD kFirstUserId = 1000;
 constexpr DWORD kUsersGroupId = 513;  // DOMAIN_GROUP_RID_USERS
 const wchar_t kAnyLogonServer[] = L"\\\\*";
 
@@ -38,7 +39,7 @@ std::wstring text(const nlohmann::json& entry, const char* member) {
   return winapi::utf8ToWide(entry.value(member, ""));
 }
 
-NetRecord<USER_INFO_3> userRecord(const nlohmann::json& user, DWORD userId) {
+NetRecord<USER_INFO_3> userRecord(const nlohmann::json& user, DWORD numberedId) {
   NetRecord<USER_INFO_3> record;
   USER_INFO_3& info = record.info;
   info.usri3_password_age = user.value("passwordAge", DWORD{0});
@@ -49,7 +50,7 @@ NetRecord<USER_INFO_3> userRecord(const nlohmann::json& user, DWORD userId) {
   info.usri3_max_storage = kUnlimitedStorage;
   info.usri3_units_per_week = kHoursPerWeek;
   info.usri3_country_code = user.value("countryCode", DWORD{0});
-  info.usri3_user_id = userId;
+  info.usri3_user_id = user.value("userId", numberedId);
   info.usri3_primary_group_id = kUsersGroupId;
   info.usri3_password_expired = (info.usri3_flags & UF_PASSWORD_EXPIRED) ? 1 : 0;
   record.texts = {

@@ -1,6 +1,7 @@
-// Loading an offline volume. Figures only a running machine has (memory, performance, uptime,
-// logged-on users) are not in its hives, so the calls that need them fail as Windows fails when
-// it cannot tell. Its user is the profile whose NTUSER.DAT changed last: the one used last.
+// Loading an offline volume. Figures only a running machine has (memory, performance, uptime)
+// are not in its hives, so the calls that need them fail as Windows fails when it cannot tell.
+// Its user is the one of its profile, logged on as when the inventory runs in that user's
+// session; its accounts are those of its SAM hive.
 #include "winapi/offline_volume.h"
 
 #include <algorithm>
@@ -12,6 +13,8 @@
 #include "winapi/machine.h"
 #include "winapi/registry_machine_facts.h"
 #include "winapi/unicode_text.h"
+#include "winapi/volume_accounts.h"
+#include "winapi/volume_profiles.h"
 
 namespace fs = std::filesystem;
 
@@ -26,31 +29,6 @@ constexpr std::uintmax_t kPageSize = 4096;
 
 std::optional<std::string> hostFile(const fs::path& dir, const std::string& windowsPath) {
   return findHostPath(dir.string(), windowsPath);
-}
-
-struct Profile {
-  std::string name;
-  fs::path hive;
-};
-
-// The profile under C:\Users whose NTUSER.DAT was written last; no name when there is none.
-Profile lastUsedProfile(const fs::path& dir) {
-  Profile last;
-  fs::file_time_type lastWrite = fs::file_time_type::min();
-  auto users = hostFile(dir, "C:\\Users");
-  if (!users) return last;
-  std::error_code error;
-  for (fs::directory_iterator it(*users, error), end; !error && it != end; it.increment(error)) {
-    auto hive = hostFile(dir, "C:\\Users\\" + it->path().filename().string() + "\\NTUSER.DAT");
-    if (!hive) continue;
-    fs::file_time_type written = fs::last_write_time(*hive, error);
-    if (!error && written > lastWrite) {
-      lastWrite = written;
-      last = {it->path().filename().string(), *hive};
-    }
-    error.clear();
-  }
-  return last;
 }
 
 // The page files PagingFiles names ("C:\\pagefile.sys 0 0", "?:\\pagefile.sys" for a system
@@ -77,10 +55,11 @@ void addPageFiles(const Registry& registry, const fs::path& dir, nlohmann::json&
   }
 }
 
-void addUser(const Profile& profile, nlohmann::json& facts) {
-  addProfileUser(facts, profile.name, "C:\\Users\\" + profile.name);
-  facts["environment"]["HOMEDRIVE"] = "C:";
-  facts["environment"]["HOMEPATH"] = "\\Users\\" + profile.name;
+void addUser(const VolumeProfile& profile, nlohmann::json& facts) {
+  addProfileUser(facts, profile.name, profile.folder);
+  facts["environment"]["HOMEDRIVE"] = profile.folder.substr(0, 2);
+  facts["environment"]["HOMEPATH"] = profile.folder.substr(2);
+  addLoggedOnUser(facts, profile.name);
 }
 
 // The boot store is read when it can be; a damaged one leaves the machine without it, as
@@ -95,16 +74,22 @@ void mountBootStore(Registry& registry, const fs::path& dir) {
   }
 }
 
-std::shared_ptr<Machine> loadVolume(const fs::path& dir, const Profile& profile,
+// `user` empty: the volume's default profile.
+std::shared_ptr<Machine> loadVolume(const fs::path& dir, const std::string& user,
                                     std::optional<std::int64_t> now) {
   auto registry = std::make_shared<Registry>();
   for (const char* hive : {"SOFTWARE", "SYSTEM"})
     if (auto file = hostFile(dir, std::string(kConfig) + hive)) mountNamedHive(*registry, *file);
-  if (!profile.hive.empty()) mountHiveFile(registry->root(Hive::CurrentUser), profile.hive);
+  if (auto file = hostFile(dir, std::string(kConfig) + "SAM")) mountSamHive(*registry, *file);
+  const RegistryKey& machine = registry->root(Hive::LocalMachine);
+  std::optional<VolumeProfile> profile =
+      user.empty() ? defaultProfile(machine, dir) : namedProfile(machine, dir, user);
+  if (profile) mountHiveFile(registry->root(Hive::CurrentUser), profile->hive);
   mountBootStore(*registry, dir);
   if (!now) now = registryShutdownTime(*registry);
   nlohmann::json facts = registryMachineFacts(*registry, now);
-  if (!profile.name.empty()) addUser(profile, facts);
+  addSamUsers(*registry, facts);
+  if (profile) addUser(*profile, facts);
   addPageFiles(*registry, dir, facts);
   return Machine::fromDescription(facts, dir.string(), registry);
 }
@@ -118,15 +103,12 @@ bool isOfflineVolume(const fs::path& dir) {
 }
 
 std::shared_ptr<Machine> loadOfflineVolume(const fs::path& dir, std::optional<std::int64_t> now) {
-  return loadVolume(dir, lastUsedProfile(dir), now);
+  return loadVolume(dir, "", now);
 }
 
 std::shared_ptr<Machine> loadOfflineVolumeAs(const fs::path& dir, const std::string& user,
                                              std::optional<std::int64_t> now) {
-  auto hive = hostFile(dir, "C:\\Users\\" + user + "\\NTUSER.DAT");
-  if (user.find_first_of("\\/") != std::string::npos || !hive)
-    throw MachineError((dir / "Users" / user / "NTUSER.DAT").string() + ": no such profile");
-  return loadVolume(dir, {user, *hive}, now);
+  return loadVolume(dir, user, now);
 }
 
 }  // namespace winapi

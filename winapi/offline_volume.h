@@ -16,11 +16,12 @@ class Machine;
 // A directory holding Windows/System32/config/SOFTWARE, each component in any case.
 bool isOfflineVolume(const std::filesystem::path& dir);
 // Throws MachineError naming the hive that cannot be read. Nothing on the volume is written.
-// The user is the profile used last. The machine's clock stands at `now` (milliseconds since
-// 1970 UTC) when given, else at the moment the volume stopped.
+// The user is the last interactive user's profile (see volume_profiles.h). The machine's clock
+// stands at `now` (milliseconds since 1970 UTC) when given, else at the moment the volume
+// stopped.
 std::shared_ptr<Machine> loadOfflineVolume(const std::filesystem::path& dir,
                                            std::optional<std::int64_t> now = std::nullopt);
-// The user is the profile Users/<user>; a MachineError when it has no NTUSER.DAT.
+// The user is the profile whose folder is named `user`; a MachineError when there is none.
 std::shared_ptr<Machine> loadOfflineVolumeAs(const std::filesystem::path& dir,
                                              const std::string& user,
                                              std::optional<std::int64_t> now = std::nullopt);

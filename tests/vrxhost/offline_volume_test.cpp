@@ -1,6 +1,10 @@
 // An offline volume inventories as its described twin does without writing under it (its hives'
-// folder is read-only during the run), and a broken hive stops the run with one line naming it.
+// folder is read-only during the run), a broken hive stops the run with one line naming it, and
+// its accounts are those of its SAM hive.
+#include <nlohmann/json.hpp>
+
 #include "tests/vrxhost/volume_twin.h"
+#include "tests/winapi/test_sam.h"
 
 namespace {
 
@@ -16,7 +20,7 @@ std::string fingerprint(const fs::path& root) {
 
 TEST_F(Vrxhost, AVolumeInventoriesAsItsDescribedTwin) {
   makeVolumeTwin(dir / "volume");
-  // Accounts and the like are live figures, which only the described machine has.
+  // Accounts (the volume's come from its SAM) and live figures differ between the two.
   const std::string registryClasses = "QELTO_ComputerSystem QELTO_InstalledApplication";
   const Result described = run(registryClasses + " --machine " + registryFixesMachine().string());
   const std::string before = fingerprint(dir / "volume");
@@ -36,6 +40,32 @@ TEST_F(Vrxhost, AVolumeInventoriesAsItsDescribedTwin) {
   EXPECT_EQ(broken.status, 1);
   EXPECT_EQ(broken.err.rfind("vrxhost: " + system.string() + ": ", 0), 0u) << broken.err;
   EXPECT_EQ(broken.err.find('\n'), broken.err.size() - 1) << broken.err;
+}
+
+TEST_F(Vrxhost, AVolumesAccountsComeFromItsSam) {
+  makeVolumeTwin(dir / "volume");
+  winapi::TestAccount alice{"alice", 1001, 0x11};  // normal, disabled
+  alice.fullName = "Alice Doe";
+  alice.comment = "Accountant";
+  alice.lastLogon = winapi::fileTimeOf("2026-11-20T08:00:00Z");
+  winapi::writeHive((dir / "volume/Windows/System32/config/SAM").string(), winapi::kSamPrefix,
+                    winapi::samAccountRegText(alice) +
+                        winapi::samAccountRegText(winapi::TestAccount{"bob", 1002}));
+  fs::create_directories(dir / "volume/Users/alice");
+  winapi::writeHive((dir / "volume/Users/alice/NTUSER.DAT").string(), "HKEY_CURRENT_USER",
+                    "[HKEY_CURRENT_USER\\Environment]\n\n");
+  const Result accounts = run("QELTO_Account --machine " + (dir / "volume").string());
+  ASSERT_EQ(accounts.status, 0) << accounts.err;
+  // Alice is the one logged on: her account is read; bob, not logged on, is not.
+  const nlohmann::json account = nlohmann::json::parse(accounts.out)["instances"][1]["properties"];
+  EXPECT_EQ(account["UserID"], "alice");
+  EXPECT_EQ(account["Name"], "Alice Doe");
+  EXPECT_EQ(account["Descriptions"], nlohmann::json::array({"Accountant"}));
+  EXPECT_EQ(account["AccountEnabled"], false);
+  EXPECT_EQ(account["Domain"], "SRV-2003");
+  EXPECT_EQ(account["LogonServer"], "\\\\SRV-2003");
+  EXPECT_EQ(account["LastLogon"].get<std::string>().substr(0, 4), "2026");
+  EXPECT_EQ(accounts.out.find("bob"), std::string::npos);
 }
 
 }  // namespace
