@@ -16,14 +16,11 @@ namespace winapi {
 namespace {
 
 const RegistryPath kUsers{L"SAM", L"SAM", L"Domains", L"Account", L"Users"};
-constexpr std::uint64_t kTicksPerSecond = 10000000;  // FILETIME counts 100 ns
-constexpr std::int64_t kSecondsFrom1601To1970 = 11644473600;
 constexpr std::int64_t kLongestDword = 0xFFFFFFFF;
 
 // Seconds since 1970 as the Net API's DWORD fields hold them; 0 for a time never set.
 std::int64_t secondsSince1970(std::uint64_t fileTime) {
-  if (fileTime == 0) return 0;
-  return static_cast<std::int64_t>(fileTime / kTicksPerSecond) - kSecondsFrom1601To1970;
+  return fileTime == 0 ? 0 : millisecondsFromFileTime(fileTime) / 1000;
 }
 
 std::int64_t dword(std::int64_t seconds) {
