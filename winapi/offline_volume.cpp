@@ -85,13 +85,16 @@ void addUser(const Profile& profile, nlohmann::json& facts) {
 
 std::shared_ptr<Machine> loadVolume(const fs::path& dir, const Profile& profile) {
   auto registry = std::make_shared<Registry>();
+  HiveReading hives;
   for (const char* hive : {"SOFTWARE", "SYSTEM"})
-    if (auto file = hostFile(dir, std::string(kConfig) + hive)) mountNamedHive(*registry, *file);
-  if (!profile.hive.empty()) mountHiveFile(registry->root(Hive::CurrentUser), profile.hive);
+    if (auto file = hostFile(dir, std::string(kConfig) + hive))
+      if (auto reading = mountNamedHive(*registry, *file)) hives.add(*reading);
+  if (!profile.hive.empty())
+    hives.add(mountHiveFile(registry->root(Hive::CurrentUser), profile.hive));
   nlohmann::json facts = registryMachineFacts(*registry);
   if (!profile.name.empty()) addUser(profile, facts);
   addPageFiles(*registry, dir, facts);
-  return Machine::fromDescription(facts, dir.string(), registry);
+  return Machine::fromDescription(facts, dir.string(), registry, std::move(hives.warnings));
 }
 
 }  // namespace

@@ -32,4 +32,6 @@ void presentMachine(const Options& options) {
   winapi::setCurrentMachine(winapi::Machine::load(dir, options.user));
 }
 
+std::vector<std::string> machineWarnings() { return winapi::currentMachine().warnings(); }
+
 }  // namespace vrxhost

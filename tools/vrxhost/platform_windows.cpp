@@ -30,4 +30,6 @@ void presentMachine(const Options& options) {
         "on");
 }
 
+std::vector<std::string> machineWarnings() { return {}; }
+
 }  // namespace vrxhost
