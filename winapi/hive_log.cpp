@@ -209,7 +209,9 @@ bool applyEntries(std::string& hive, std::vector<LogEntry> entries, std::uint32_
   return true;
 }
 
-bool replayEntries(std::string& hive, const std::vector<Log>& logs, bool intact,
+// `latest` is the log of entries with the latest base block: the only source where the
+// primary's own base block is damaged.
+bool replayEntries(std::string& hive, const std::vector<Log>& logs, const Log& latest, bool intact,
                    std::size_t maxBinsSize) {
   std::vector<LogEntry> entries;
   if (intact) {
@@ -217,10 +219,9 @@ bool replayEntries(std::string& hive, const std::vector<Log>& logs, bool intact,
       if (log.format == LogFormat::kEntries) collectEntries(log, maxBinsSize, entries);
     return applyEntries(hive, std::move(entries), number(hive, kSecondarySequence));
   }
-  const Log* latest = latestOf(logs, LogFormat::kEntries);
-  recoverBaseBlock(hive, *latest);
-  collectEntries(*latest, maxBinsSize, entries);
-  applyEntries(hive, std::move(entries), latest->sequence);
+  recoverBaseBlock(hive, latest);
+  collectEntries(latest, maxBinsSize, entries);
+  applyEntries(hive, std::move(entries), latest.sequence);
   return true;
 }
 
@@ -231,32 +232,34 @@ bool isSoundSector(std::string_view sector, std::size_t offset) {
   return number(sector, 4) == offset && size != 0 && size % kBinAlignment == 0;
 }
 
-bool replayDirtyVector(std::string& hive, const std::vector<Log>& logs, bool intact,
-                       std::size_t maxBinsSize) {
+// The latest dirty-vector log whose base block was written with the primary's time stamp; any
+// where the primary's own base block is damaged.
+const Log* dirtyVectorLog(std::string_view hive, const std::vector<Log>& logs, bool intact) {
   const Log* chosen = nullptr;
   for (const Log& log : logs)
     if (log.format == LogFormat::kDirtyVector &&
-        (!intact ||
-         log.bytes.substr(kTimestamp, 8) == std::string_view(hive).substr(kTimestamp, 8)) &&
+        (!intact || log.bytes.substr(kTimestamp, 8) == hive.substr(kTimestamp, 8)) &&
         (!chosen || log.sequence > chosen->sequence))
       chosen = &log;
-  if (!chosen) return false;
-  const std::string_view log = chosen->bytes;
-  const std::uint32_t binsSize = number(log, kBinsSize);
-  const std::size_t bitmap = chosen->sector + 4, sectors = binsSize / kSector;
-  if (!isBinsSize(binsSize, maxBinsSize) || log.size() < bitmap + sectors / 8) return false;
-  if (!intact) recoverBaseBlock(hive, *chosen);
+  return chosen;
+}
+
+// The dirty sectors follow the bitmap (a bit per sector of hive bins) from the next sector on.
+bool replayDirtyVector(std::string& hive, const Log& log, bool intact, std::size_t maxBinsSize) {
+  const std::uint32_t binsSize = number(log.bytes, kBinsSize);
+  const std::size_t bitmap = log.sector + 4, sectors = binsSize / kSector;
+  if (!isBinsSize(binsSize, maxBinsSize) || log.bytes.size() < bitmap + sectors / 8) return false;
+  if (!intact) recoverBaseBlock(hive, log);
   setBinsSize(hive, binsSize);
-  const std::size_t sector = chosen->sector;
-  std::size_t page = (bitmap + sectors / 8 + sector - 1) / sector * sector;
+  std::size_t page = (bitmap + sectors / 8 + log.sector - 1) / log.sector * log.sector;
   for (std::size_t bit = 0; bit < sectors; ++bit) {
-    if ((static_cast<unsigned char>(log[bitmap + bit / 8]) >> (bit % 8) & 1) == 0) continue;
-    const std::string_view data = log.substr(std::min(page, log.size()), kSector);
+    if ((static_cast<unsigned char>(log.bytes[bitmap + bit / 8]) >> (bit % 8) & 1) == 0) continue;
+    const std::string_view data = log.bytes.substr(std::min(page, log.bytes.size()), kSector);
     if (data.size() < kSector || !isSoundSector(data, bit * kSector)) break;
     hive.replace(kBaseBlock + bit * kSector, kSector, data);
     page += kSector;
   }
-  setSequence(hive, chosen->sequence);
+  setSequence(hive, log.sequence);
   return true;
 }
 
@@ -279,9 +282,11 @@ std::optional<std::string> replayHiveLogs(std::string primary,
     maxBinsSize += logFiles[i].size();
   }
   const bool intact = isBaseBlock(primary);
-  const bool replayed = latestOf(logs, LogFormat::kEntries)
-                            ? replayEntries(primary, logs, intact, maxBinsSize)
-                            : replayDirtyVector(primary, logs, intact, maxBinsSize);
+  bool replayed = false;
+  if (const Log* entryLog = latestOf(logs, LogFormat::kEntries))
+    replayed = replayEntries(primary, logs, *entryLog, intact, maxBinsSize);
+  else if (const Log* vectorLog = dirtyVectorLog(primary, logs, intact))
+    replayed = replayDirtyVector(primary, *vectorLog, intact, maxBinsSize);
   if (!replayed) return std::nullopt;
   setNumber(primary, kFileType, kPrimaryFile);
   // The plain sum, as libhivex checks it.

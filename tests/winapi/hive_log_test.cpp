@@ -221,6 +221,22 @@ TEST(HiveLog, DamagedOrUnusualHivesAreReadOrRefusedWithOneLineWithinASecond) {
   EXPECT_GT(hives, 20u);
 }
 
+TEST(HiveLog, ADescribedMachineKeepsTheWarningsOfItsHives) {
+  TempDirectory dir;
+  dir.makeDirectory("hives");
+  const std::string file = dir.path() + "/hives/SOFTWARE";
+  writeHive(file, "HKEY_LOCAL_MACHINE\\SOFTWARE", "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vendor]\n\n");
+  std::string hive = readBytes(file);
+  patchBaseBlock(hive, 4, 0x7777);  // a write begun and never finished
+  dir.write("hives/SOFTWARE", hive);
+  dir.write("machine.json", "{}");
+  const auto machine = Machine::load(dir.path());
+  EXPECT_NE(machine->registry()->root(Hive::LocalMachine).find({L"SOFTWARE", L"Vendor"}), nullptr);
+  EXPECT_EQ(machine->warnings(),
+            std::vector<std::string>{
+                file + ": dirty hive without usable transaction logs; read as it stands"});
+}
+
 void put64(std::string& bytes, std::size_t at, std::uint64_t value) {
   for (std::size_t i = 0; i < 8; ++i) bytes[at + i] = static_cast<char>(value >> (8 * i));
 }
