@@ -1,9 +1,13 @@
 // Reading hive files through libhivex. libhivex checks the hive's structure as it goes; a node or
-// value it cannot read is reported as corrupt, naming the key that was being read.
+// value it cannot read is reported as corrupt, naming the key that was being read. It reads only
+// files: a replayed hive reaches it as an anonymous file in memory.
 #include "winapi/hive_file.h"
 
 #include <hivex.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +19,7 @@
 #include <string>
 
 #include "winapi/code_pages.h"
+#include "winapi/hive_replay.h"
 #include "winapi/little_endian.h"
 #include "winapi/machine.h"
 #include "winapi/text.h"
@@ -44,12 +49,42 @@ struct Freer {
 template <typename T>
 using Owned = std::unique_ptr<T, Freer>;
 
+bool writeAll(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(fd, bytes.data(), bytes.size());
+    if (written < 0 && errno != EINTR) return false;
+    if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+// The bytes as a hive, through a file that lives in memory only; libhivex maps it and keeps it
+// open, so that it goes when the hive is closed.
+hive_h* openInMemory(const std::string& bytes) {
+  const int fd = memfd_create("hive", MFD_CLOEXEC);
+  if (fd < 0) return nullptr;
+  hive_h* hive = nullptr;
+  if (writeAll(fd, bytes)) hive = hivex_open(("/proc/self/fd/" + std::to_string(fd)).c_str(), 0);
+  const int error = errno;
+  close(fd);
+  errno = error;
+  return hive;
+}
+
 class HiveCopier {
  public:
   explicit HiveCopier(const fs::path& file) : file_(file.string()) {
+    bytes_ = replayedHive(file, reading_.warnings);
     errno = 0;
-    hive_.reset(hivex_open(file_.c_str(), 0));
+    hive_.reset(bytes_ ? openInMemory(*bytes_) : hivex_open(file_.c_str(), 0));
     if (!hive_) fail("", std::string("not a readable hive: ") + std::strerror(errno));
+  }
+
+  // Once the keys are copied: the later of the base block's time stamp and the newest key's.
+  HiveReading reading() {
+    reading_.lastWritten =
+        static_cast<std::uint64_t>(std::max(newestKey_, hivex_last_modified(hive_.get())));
+    return std::move(reading_);
   }
 
   hive_node_h root() {
@@ -81,6 +116,7 @@ class HiveCopier {
 
   void copy(hive_node_h node, RegistryKey& target, const std::string& path, int depth) {
     if (depth > kMaxDepth) fail(path, "keys nested deeper than 512");
+    newestKey_ = std::max(newestKey_, hivex_node_timestamp(hive_.get(), node));
     copyValues(node, target, path);
     errno = 0;
     Owned<hive_node_h> children(hivex_node_children(hive_.get(), node));
@@ -153,7 +189,7 @@ class HiveCopier {
     return data;
   }
 
-  // The hive's bytes, read once when first needed.
+  // The hive's bytes: those replayed, or the file's, read once when first needed.
   const std::string& fileBytes(const std::string& path) {
     if (!bytes_) {
       std::ifstream in(file_, std::ios::binary);
@@ -168,6 +204,8 @@ class HiveCopier {
   std::size_t keys_ = 0;
   std::size_t values_ = 0;
   std::optional<std::string> bytes_;
+  HiveReading reading_;
+  std::int64_t newestKey_ = 0;
 };
 
 RegistryKey& mountPoint(Registry& registry, Hive hive, const wchar_t* name) {
@@ -177,31 +215,48 @@ RegistryKey& mountPoint(Registry& registry, Hive hive, const wchar_t* name) {
 
 }  // namespace
 
-void mountHiveFile(RegistryKey& mountPoint, const fs::path& file) {
-  HiveCopier copier(file);
-  copier.copy(copier.root(), mountPoint, "", 0);
+void HiveReading::add(const HiveReading& other) {
+  lastWritten = std::max(lastWritten, other.lastWritten);
+  warnings.insert(warnings.end(), other.warnings.begin(), other.warnings.end());
 }
 
-void mountSystemHive(Registry& registry, const fs::path& file) {
+HiveReading mountOptionalHive(RegistryKey& parent, const std::wstring& name, const fs::path& file) {
+  RegistryKey hive(name);
+  try {
+    HiveReading reading = mountHiveFile(hive, file);
+    parent.makeSubKey(name).absorb(std::move(hive));
+    return reading;
+  } catch (const MachineError& error) {
+    HiveReading reading;
+    reading.warnings.push_back(std::string(error.what()) + "; left out");
+    return reading;
+  }
+}
+
+HiveReading mountHiveFile(RegistryKey& mountPoint, const fs::path& file) {
+  HiveCopier copier(file);
+  copier.copy(copier.root(), mountPoint, "", 0);
+  return copier.reading();
+}
+
+HiveReading mountSystemHive(Registry& registry, const fs::path& file) {
   HiveCopier copier(file);
   hive_node_h root = copier.root();
   RegistryKey& system = mountPoint(registry, Hive::LocalMachine, L"SYSTEM");
   copier.copy(root, system, "", 0);
   hive_node_h select = copier.child(root, "Select");
   std::optional<std::uint32_t> current = select ? copier.dword(select, "Current") : std::nullopt;
-  if (!current || *current > 999) return;
+  if (!current || *current > 999) return copier.reading();
   char name[16];
   std::snprintf(name, sizeof name, "ControlSet%03u", static_cast<unsigned>(*current));
   hive_node_h controlSet = copier.child(root, name);
   if (controlSet) copier.copy(controlSet, system.makeSubKey(L"CurrentControlSet"), name, 1);
+  return copier.reading();
 }
 
-bool mountNamedHive(Registry& registry, const fs::path& file) {
+std::optional<HiveReading> mountNamedHive(Registry& registry, const fs::path& file) {
   std::string name = asciiUpper(file.filename().string());
-  if (name == "SYSTEM") {
-    mountSystemHive(registry, file);
-    return true;
-  }
+  if (name == "SYSTEM") return mountSystemHive(registry, file);
   struct Place {
     const char* file;
     Hive hive;
@@ -211,18 +266,18 @@ bool mountNamedHive(Registry& registry, const fs::path& file) {
                                  {"NTUSER.DAT", Hive::CurrentUser, nullptr},
                                  {"BCD", Hive::LocalMachine, L"BCD00000000"}};
   for (const Place& place : places)
-    if (name == place.file) {
-      mountHiveFile(mountPoint(registry, place.hive, place.key), file);
-      return true;
-    }
-  return false;
+    if (name == place.file) return mountHiveFile(mountPoint(registry, place.hive, place.key), file);
+  return std::nullopt;
 }
 
-void mountHiveDirectory(Registry& registry, const fs::path& dir) {
+HiveReading mountHiveDirectory(Registry& registry, const fs::path& dir) {
+  HiveReading reading;
   std::error_code error;
   for (fs::directory_iterator it(dir, error), end; !error && it != end; it.increment(error))
-    if (it->is_regular_file(error)) mountNamedHive(registry, it->path());
+    if (it->is_regular_file(error))
+      if (auto hive = mountNamedHive(registry, it->path())) reading.add(*hive);
   if (error) throw MachineError(dir.string() + ": cannot read: " + error.message());
+  return reading;
 }
 
 }  // namespace winapi

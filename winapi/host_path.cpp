@@ -35,8 +35,8 @@ std::optional<std::vector<std::string>> componentsOf(const std::string& windowsP
   return components;
 }
 
-// The entry of `directory` named `name`: the exact spelling first, else one equal without regard to
-// case.
+}  // namespace
+
 std::optional<fs::path> findEntry(const fs::path& directory, const std::string& name) {
   std::error_code error;
   if (fs::exists(directory / name, error)) return directory / name;
@@ -44,8 +44,6 @@ std::optional<fs::path> findEntry(const fs::path& directory, const std::string& 
     if (equalsIgnoringCase(it->path().filename().string(), name)) return it->path();
   return std::nullopt;
 }
-
-}  // namespace
 
 std::optional<std::string> findHostPath(const std::string& machineDirectory,
                                         const std::string& windowsPath) {

@@ -3,10 +3,16 @@
 #ifndef VRX_WINAPI_HOST_PATH_H
 #define VRX_WINAPI_HOST_PATH_H
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
 namespace winapi {
+
+// The entry of `directory` named `name`: the exact spelling first, else one equal without regard
+// to case.
+std::optional<std::filesystem::path> findEntry(const std::filesystem::path& directory,
+                                               const std::string& name);
 
 // nullopt when the path is not drive-absolute ("C:\\…", "C:/…", "C:") or names no file.
 std::optional<std::string> findHostPath(const std::string& machineDirectory,

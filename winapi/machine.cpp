@@ -53,14 +53,15 @@ std::shared_ptr<Machine> loadDescribed(const fs::path& dir, std::optional<std::i
       hasEntry(dir, "machine.json") ? readMachineFile(file.string()) : nlohmann::json::object();
   if (now) description["now"] = formatUtcTime(*now);
   std::shared_ptr<Registry> registry;
+  HiveReading hives;
   if (hasEntry(dir, "hives")) {
     // A value both in registry/*.reg and in a hive is the hive's: the hives are mounted last.
     const nlohmann::json& codePage = description.value("ansiCodePage", nlohmann::json(1252u));
     registry = readRegistryFiles(dir.string(),
                                  codePage.is_number_unsigned() ? codePage.get<unsigned>() : 1252u);
-    mountHiveDirectory(*registry, dir / "hives");
+    hives = mountHiveDirectory(*registry, dir / "hives");
   }
-  return Machine::fromDescription(description, dir.string(), registry);
+  return Machine::fromDescription(description, dir.string(), registry, std::move(hives.warnings));
 }
 
 const MachineKind kKinds[] = {
@@ -137,9 +138,11 @@ std::shared_ptr<Machine> Machine::load(const std::string& dir, const std::string
 
 std::shared_ptr<Machine> Machine::fromDescription(const nlohmann::json& description,
                                                   const std::string& directory,
-                                                  std::shared_ptr<const Registry> registry) {
+                                                  std::shared_ptr<const Registry> registry,
+                                                  std::vector<std::string> warnings) {
   std::shared_ptr<Machine> machine(new Machine);
   machine->directory_ = directory;
+  machine->warnings_ = std::move(warnings);
   machine->read(description, directory.empty() ? "machine.json"
                                                : (fs::path(directory) / "machine.json").string());
   if (registry)

@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "winapi/environment_block.h"
 #include "winapi/registry_store.h"
@@ -66,14 +67,17 @@ class Machine {
   // A machine given by the contents of a machine.json, checked as load() checks the file.
   // `directory` may name a directory holding registry/, drive_c/ …; the computer name defaults
   // to its name, or to "LOCALHOST" without one. A `registry` given is the machine's instead of
-  // the directory's registry/*.reg.
+  // the directory's registry/*.reg. `warnings` are what its loader found to report.
   static std::shared_ptr<Machine> fromDescription(const nlohmann::json& description,
                                                   const std::string& directory = "",
-                                                  std::shared_ptr<const Registry> registry = {});
+                                                  std::shared_ptr<const Registry> registry = {},
+                                                  std::vector<std::string> warnings = {});
 
   const std::string& directory() const { return directory_; }
   // machine.json as read (UTF-8 text), for the API areas that read their own members.
   const nlohmann::json& description() const { return description_; }
+  // What loading found that the log should tell (a dirty hive read as it stands), a line each.
+  const std::vector<std::string>& warnings() const { return warnings_; }
 
   // Text accessors answer in UTF-8; the A functions convert to ansiCodePage().
   const std::string& computerName() const { return computerName_; }
@@ -118,6 +122,7 @@ class Machine {
   std::optional<TimeZone> timeZone_;
   bool wow64_ = false;
   std::shared_ptr<const Registry> registry_;
+  std::vector<std::string> warnings_;
   std::optional<MachineTime> fixedNow_;
   std::map<std::string, std::string, LessIgnoringCase> commands_;
   std::set<std::pair<std::string, std::string>> missing_;

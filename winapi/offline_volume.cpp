@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "winapi/calendar.h"
 #include "winapi/hive_file.h"
 #include "winapi/host_path.h"
 #include "winapi/machine.h"
@@ -62,36 +63,34 @@ void addUser(const VolumeProfile& profile, nlohmann::json& facts) {
   addLoggedOnUser(facts, profile.name);
 }
 
-// The boot store is read when it can be; a damaged one leaves the machine without it, as
-// bcdedit then has nothing to show.
-void mountBootStore(Registry& registry, const fs::path& dir) {
-  auto store = hostFile(dir, "C:\\Boot\\BCD");
-  if (!store) return;
-  try {
-    mountHiveFile(registry.root(Hive::LocalMachine).makeSubKey(L"BCD00000000"), *store);
-  } catch (const MachineError&) {
-    registry.root(Hive::LocalMachine).removeSubKey(L"BCD00000000");
-  }
+// The moment the volume stopped: its last shutdown, else the last write to its hives.
+std::optional<std::int64_t> clockAtRest(const Registry& registry, const HiveReading& hives) {
+  if (auto shutdown = registryShutdownTime(registry)) return shutdown;
+  if (hives.lastWritten == 0) return std::nullopt;
+  return millisecondsFromFileTime(hives.lastWritten);
 }
 
 // `user` empty: the volume's default profile.
 std::shared_ptr<Machine> loadVolume(const fs::path& dir, const std::string& user,
                                     std::optional<std::int64_t> now) {
   auto registry = std::make_shared<Registry>();
+  HiveReading hives;
   for (const char* hive : {"SOFTWARE", "SYSTEM"})
-    if (auto file = hostFile(dir, std::string(kConfig) + hive)) mountNamedHive(*registry, *file);
-  if (auto file = hostFile(dir, std::string(kConfig) + "SAM")) mountSamHive(*registry, *file);
-  const RegistryKey& machine = registry->root(Hive::LocalMachine);
+    if (auto file = hostFile(dir, std::string(kConfig) + hive))
+      if (auto reading = mountNamedHive(*registry, *file)) hives.add(*reading);
+  RegistryKey& localMachine = registry->root(Hive::LocalMachine);
+  if (auto file = hostFile(dir, std::string(kConfig) + "SAM"))
+    hives.add(mountOptionalHive(localMachine, L"SAM", *file));
   std::optional<VolumeProfile> profile =
-      user.empty() ? defaultProfile(machine, dir) : namedProfile(machine, dir, user);
-  if (profile) mountHiveFile(registry->root(Hive::CurrentUser), profile->hive);
-  mountBootStore(*registry, dir);
-  if (!now) now = registryShutdownTime(*registry);
-  nlohmann::json facts = registryMachineFacts(*registry, now);
+      user.empty() ? defaultProfile(localMachine, dir) : namedProfile(localMachine, dir, user);
+  if (profile) hives.add(mountHiveFile(registry->root(Hive::CurrentUser), profile->hive));
+  if (auto store = hostFile(dir, "C:\\Boot\\BCD"))
+    hives.add(mountOptionalHive(localMachine, L"BCD00000000", *store));
+  nlohmann::json facts = registryMachineFacts(*registry, now ? now : clockAtRest(*registry, hives));
   addSamUsers(*registry, facts);
   if (profile) addUser(*profile, facts);
   addPageFiles(*registry, dir, facts);
-  return Machine::fromDescription(facts, dir.string(), registry);
+  return Machine::fromDescription(facts, dir.string(), registry, std::move(hives.warnings));
 }
 
 }  // namespace

@@ -62,16 +62,6 @@ std::optional<nlohmann::json> accountEntry(const RegistryKey& users, const Regis
 
 }  // namespace
 
-void mountSamHive(Registry& registry, const std::filesystem::path& file) {
-  RegistryKey sam(L"SAM");
-  try {
-    mountHiveFile(sam, file);
-  } catch (const MachineError&) {
-    return;
-  }
-  registry.root(Hive::LocalMachine).makeSubKey(L"SAM").absorb(std::move(sam));
-}
-
 std::optional<nlohmann::json> samUsers(const Registry& registry, std::int64_t nowMilliseconds) {
   const RegistryKey* users = registry.root(Hive::LocalMachine).find(kUsers);
   const RegistryKey* names = users ? users->subKey(L"Names") : nullptr;

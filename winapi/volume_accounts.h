@@ -14,10 +14,6 @@
 
 namespace winapi {
 
-// The SAM hive at HKLM\SAM, where Windows mounts it. A hive that cannot be read is left out
-// whole, and the machine is read without it.
-void mountSamHive(Registry& registry, const std::filesystem::path& file);
-
 // The users of the account domain (HKLM\SAM\SAM\Domains\Account\Users) in the order of their
 // names, each with its relative id as userId; passwordAge counts to `nowMilliseconds` (since
 // 1970, UTC). An account whose records are missing or damaged is left out; nullopt when there

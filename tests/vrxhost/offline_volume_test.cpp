@@ -1,6 +1,7 @@
 // An offline volume inventories as its described twin does without writing under it (its hives'
-// folder is read-only during the run), a broken hive stops the run with one line naming it, and
-// its accounts are those of its SAM hive.
+// folder is read-only during the run), a broken hive stops the run with one line naming it, a
+// dirty hive without its logs is read as it stands, the log told so, and its accounts are those
+// of its SAM hive.
 #include <nlohmann/json.hpp>
 
 #include "tests/vrxhost/volume_twin.h"
@@ -66,6 +67,24 @@ TEST_F(Vrxhost, AVolumesAccountsComeFromItsSam) {
   EXPECT_EQ(account["LogonServer"], "\\\\SRV-2003");
   EXPECT_EQ(account["LastLogon"].get<std::string>().substr(0, 4), "2026");
   EXPECT_EQ(accounts.out.find("bob"), std::string::npos);
+}
+
+TEST_F(Vrxhost, ADirtyHiveWithoutItsLogsIsReadAndTheLogToldSo) {
+  makeVolumeTwin(dir / "volume");
+  const fs::path system = dir / "volume/Windows/System32/config/SYSTEM";
+  std::string hive = readFile(system);
+  winapi::patchBaseBlock(hive, 4, 0x7777);  // a write begun and never finished
+  std::ofstream(system, std::ios::binary) << hive;
+  const Result result = run("QELTO_InstalledApplication --log-level 2 --log " +
+                            (dir / "log").string() + " --machine " + (dir / "volume").string());
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_NE(result.out.find("SRV-2003"), std::string::npos);
+  EXPECT_NE(readFile(dir / "log")
+                .find("2\t" + system.string() +
+                      ": dirty hive without usable transaction logs; read as it "
+                      "stands\n"),
+            std::string::npos)
+      << readFile(dir / "log");
 }
 
 }  // namespace

@@ -33,6 +33,15 @@ void putText(std::string& bytes, std::size_t at, const char* text) {
   for (; *text; ++text) bytes[at++] = *text;
 }
 
+void restoreChecksum(std::string& hive) {
+  std::uint32_t sum = 0;
+  for (std::size_t at = 0; at < 0x1FC; at += 4)
+    sum ^= static_cast<std::uint8_t>(hive[at]) | static_cast<std::uint8_t>(hive[at + 1]) << 8 |
+           static_cast<std::uint8_t>(hive[at + 2]) << 16 |
+           static_cast<std::uint32_t>(static_cast<std::uint8_t>(hive[at + 3])) << 24;
+  put32(hive, 0x1FC, sum);
+}
+
 void writeBaseBlock(std::string& hive) {
   putText(hive, 0, "regf");
   put32(hive, 0x04, 1);  // sequence numbers match: the hive was written whole
@@ -43,12 +52,7 @@ void writeBaseBlock(std::string& hive) {
   put32(hive, 0x24, kRootCell);
   put32(hive, 0x28, kBinSize);
   put32(hive, 0x2C, 1);
-  std::uint32_t sum = 0;
-  for (std::size_t at = 0; at < 0x1FC; at += 4)
-    sum ^= static_cast<std::uint8_t>(hive[at]) | static_cast<std::uint8_t>(hive[at + 1]) << 8 |
-           static_cast<std::uint8_t>(hive[at + 2]) << 16 |
-           static_cast<std::uint32_t>(static_cast<std::uint8_t>(hive[at + 3])) << 24;
-  put32(hive, 0x1FC, sum);
+  restoreChecksum(hive);
 }
 
 void writeRootKey(std::string& hive, std::size_t cell) {
@@ -109,6 +113,11 @@ std::string emptyHive() {
   writeSecurity(hive, bin + kSecurityCell);
   put32(hive, bin + kFreeCell, kBinSize - kFreeCell);
   return hive;
+}
+
+void patchBaseBlock(std::string& hive, std::size_t at, std::uint32_t value) {
+  put32(hive, at, value);
+  restoreChecksum(hive);
 }
 
 void writeHive(const std::string& file, const std::string& prefix, const std::string& regText) {

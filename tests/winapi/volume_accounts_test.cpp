@@ -1,3 +1,4 @@
+#include "winapi/hive_file.h"
 #include "winapi/volume_accounts.h"
 
 #include <gtest/gtest.h>
@@ -81,7 +82,7 @@ TEST(VolumeAccounts, UsersComeFromTheSamRecordsCountingToTheMachinesNow) {
   TempDirectory dir;
   writeHive(dir.path() + "/SAM", kSamPrefix, samText());
   Registry registry;
-  mountSamHive(registry, dir.path() + "/SAM");
+  mountOptionalHive(registry.root(Hive::LocalMachine), L"SAM", dir.path() + "/SAM");
   nlohmann::json facts{{"now", "2026-11-22T10:15:30Z"}};
   addSamUsers(registry, facts);
   // In the order of their names; mallory's damaged record leaves her out.

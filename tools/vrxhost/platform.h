@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "tools/vrxhost/options.h"
 
@@ -19,5 +20,7 @@ bool replaceFile(const std::string& from, const std::string& to);
 // std::invalid_argument for an option the platform does not take, and
 // std::runtime_error for a machine that cannot be read.
 void presentMachine(const Options& options);
+// What reading the machine found that the log should tell, a line each.
+std::vector<std::string> machineWarnings();
 
 }  // namespace vrxhost

@@ -39,4 +39,6 @@ void presentMachine(const Options& options) {
   winapi::setCurrentMachine(winapi::Machine::load(dir, options.user, now));
 }
 
+std::vector<std::string> machineWarnings() { return winapi::currentMachine().warnings(); }
+
 }  // namespace vrxhost

@@ -30,4 +30,6 @@ void presentMachine(const Options& options) {
         "it runs on, at its own time");
 }
 
+std::vector<std::string> machineWarnings() { return {}; }
+
 }  // namespace vrxhost

@@ -94,6 +94,9 @@ void collect(IPluginBasicQueryCallbacks& query, boost::shared_ptr<ICIMNamespace>
   }
 }
 
+// Level of the lines about the machine itself (a dirty hive read as it stands).
+constexpr int kMachineWarningLevel = 2;
+
 void startLog(const Options& options) {
   if (options.log.empty()) return;
   try {
@@ -101,6 +104,8 @@ void startLog(const Options& options) {
   } catch (const std::runtime_error& e) {
     throw RunError(kExitFailure, e.what());
   }
+  for (const std::string& warning : machineWarnings())
+    TCoreLogger::Instance().Log(kMachineWarningLevel, warning);
 }
 
 TExporter exporterFor(const Options& options) {
