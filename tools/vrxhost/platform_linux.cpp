@@ -7,6 +7,7 @@
 #include "tools/vrxhost/platform.h"
 #include "winapi/machine.h"
 #include "winapi/offline_volume.h"
+#include "winapi/reg_export.h"
 
 namespace vrxhost {
 
@@ -30,6 +31,13 @@ void presentMachine(const Options& options) {
     throw std::invalid_argument("--user picks a profile of an offline Windows volume; " + dir +
                                 " is none");
   winapi::setCurrentMachine(winapi::Machine::load(dir, options.user));
+}
+
+std::function<void(std::ostream&)> registryExport(const Options& options) {
+  winapi::RegistryKeyName key = winapi::parseRegistryKeyName(options.exportRegistry);
+  presentMachine(options);
+  std::shared_ptr<const winapi::Registry> registry = winapi::currentMachine().registry();
+  return [registry, key](std::ostream& out) { winapi::exportRegistry(*registry, key, out); };
 }
 
 }  // namespace vrxhost
