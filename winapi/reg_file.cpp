@@ -27,7 +27,9 @@ namespace {
 constexpr std::size_t kMaxKeyName = 255;
 constexpr std::size_t kMaxValueName = 16383;
 constexpr std::size_t kMaxDepth = 512;
-constexpr std::uintmax_t kMaxFileMiB = 64;
+// An export of a large machine's HKEY_LOCAL_MACHINE, two bytes a character, fits (100 000
+// applications: 80 MiB), below what would exhaust memory.
+constexpr std::uintmax_t kMaxFileMiB = 256;
 
 bool hasPrefix(std::wstring_view text, std::size_t at, std::wstring_view prefix) {
   return compareIgnoringCase(text.substr(at, prefix.size()), prefix) == 0;
