@@ -13,6 +13,7 @@
 #include "winapi/machine_file.h"
 #include "winapi/parallel.h"
 #include "winapi/reg_text.h"
+#include "winapi/registry_key_names.h"
 #include "winapi/text.h"
 #include "winapi/windows.h"
 
@@ -26,27 +27,9 @@ namespace {
 constexpr std::size_t kMaxKeyName = 255;
 constexpr std::size_t kMaxValueName = 16383;
 constexpr std::size_t kMaxDepth = 512;
-constexpr std::uintmax_t kMaxFileMiB = 64;
-
-struct RootKey {
-  const wchar_t* name;
-  Hive hive;
-  RegistryPath below;
-};
-
-const RootKey kRootKeys[] = {
-    {L"HKEY_LOCAL_MACHINE", Hive::LocalMachine, {}},
-    {L"HKEY_CURRENT_USER", Hive::CurrentUser, {}},
-    // Windows shows HKLM\SOFTWARE\Classes (under the user's own classes) as HKEY_CLASSES_ROOT.
-    {L"HKEY_CLASSES_ROOT", Hive::LocalMachine, {L"SOFTWARE", L"Classes"}},
-};
-const std::pair<const wchar_t*, const char*> kAbbreviations[] = {
-    {L"HKLM", "HKEY_LOCAL_MACHINE"},  {L"HKCU", "HKEY_CURRENT_USER"},
-    {L"HKCR", "HKEY_CLASSES_ROOT"},   {L"HKU", "HKEY_USERS"},
-    {L"HKCC", "HKEY_CURRENT_CONFIG"},
-};
-const wchar_t* const kUnkeptRoots[] = {L"HKEY_USERS", L"HKEY_CURRENT_CONFIG",
-                                       L"HKEY_PERFORMANCE_DATA", L"HKEY_DYN_DATA"};
+// An export of a large machine's HKEY_LOCAL_MACHINE, two bytes a character, fits (100 000
+// applications: 80 MiB), below what would exhaust memory.
+constexpr std::uintmax_t kMaxFileMiB = 256;
 
 bool hasPrefix(std::wstring_view text, std::size_t at, std::wstring_view prefix) {
   return compareIgnoringCase(text.substr(at, prefix.size()), prefix) == 0;
@@ -206,19 +189,18 @@ class Parser {
   }
 
   Target rootKey(const Statement& statement, std::size_t at, std::wstring_view name) const {
-    for (const RootKey& root : kRootKeys)
-      if (equalsIgnoringCase(name, root.name)) return {root.hive, root.below};
-    for (const auto& [abbreviation, full] : kAbbreviations)
-      if (equalsIgnoringCase(name, abbreviation))
-        fail(statement, at,
-             "regedit does not accept the abbreviation " + toUtf8(name) + "; write " + full);
-    for (const wchar_t* unkept : kUnkeptRoots)
-      if (equalsIgnoringCase(name, unkept))
-        fail(statement, at,
-             "keys under " + toUtf8(name) +
-                 " are not kept for a machine; write them under HKEY_LOCAL_MACHINE or "
-                 "HKEY_CURRENT_USER");
-    fail(statement, at, "unknown root key \"" + toUtf8(name) + "\"");
+    const RootKey* root = findRootKey(name);
+    if (!root) fail(statement, at, "unknown root key \"" + toUtf8(name) + "\"");
+    if (!equalsIgnoringCase(name, root->name))
+      fail(statement, at,
+           "regedit does not accept the abbreviation " + toUtf8(name) + "; write " +
+               toUtf8(root->name));
+    if (!root->kept)
+      fail(statement, at,
+           "keys under " + toUtf8(name) +
+               " are not kept for a machine; write them under HKEY_LOCAL_MACHINE or "
+               "HKEY_CURRENT_USER");
+    return {root->hive, root->below};
   }
 
   void valueLine(Statement& statement, std::size_t at) {

@@ -28,6 +28,10 @@ for class in Account AccountOnSystem CurrentAccountOnSystem InstalledFix Operati
 done
 wine vrxhost.exe --format xml --output out.xml QELTO_Account QELTO_TimeZone \
   >stdout.txt 2>stderr.txt || fail "--format xml"
+# There is no machine directory to export on Windows.
+status=0
+wine vrxhost.exe --export-registry HKLM >stdout.txt 2>stderr.txt || status=$?
+[ "$status" -eq 2 ] && grep -q "is for Linux" stderr.txt || fail "--export-registry not refused"
 dtd=${2:-}
 if [ -f "$dtd" ]; then
   xmllint --noout --dtdvalid "$dtd" out.xml 2>stderr.txt || fail "CIM-XML does not validate"

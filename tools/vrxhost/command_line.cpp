@@ -41,6 +41,11 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       ->check(CLI::Range(0, 4));
   app.add_flag("-v", options.verbose, "one line per class on stderr: class, instances, ms");
   app.add_option("CLASS", options.classes, "classes to collect, in order");
+  app.add_option("--export-registry", options.exportRegistry,
+                 "write the machine's registry from KEY down as a regedit file, no inventory")
+      ->type_name("KEY")
+      ->check([](const std::string& key) { return key.empty() ? "KEY is empty" : ""; })
+      ->excludes("--format", "CLASS");
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& help) {

@@ -18,6 +18,8 @@ struct Options {
   int logLevel = 4;
   bool verbose = false;
   std::vector<std::string> classes;
+  // A registry key: the run writes the machine's registry from it down instead of an inventory.
+  std::string exportRegistry;
 };
 
 // The classes asked for when the command line names none.

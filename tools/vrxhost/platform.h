@@ -2,6 +2,8 @@
 // the implementation.
 #pragma once
 
+#include <functional>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -22,5 +24,11 @@ bool replaceFile(const std::string& from, const std::string& to);
 void presentMachine(const Options& options);
 // What reading the machine found that the log should tell, a line each.
 std::vector<std::string> machineWarnings();
+// Reads the key name of --export-registry and the machine; gives back what writes the machine's
+// registry from that key down as a regedit file, and throws std::runtime_error instead, before
+// writing anything, when the machine lacks the key. Throws std::invalid_argument for a key name
+// that is none or on a platform with no machine to read, and std::runtime_error for a machine
+// that cannot be read.
+std::function<void(std::ostream&)> registryExport(const Options& options);
 
 }  // namespace vrxhost

@@ -8,6 +8,7 @@
 #include "winapi/calendar.h"
 #include "winapi/machine.h"
 #include "winapi/offline_volume.h"
+#include "winapi/reg_export.h"
 
 namespace vrxhost {
 
@@ -40,5 +41,12 @@ void presentMachine(const Options& options) {
 }
 
 std::vector<std::string> machineWarnings() { return winapi::currentMachine().warnings(); }
+
+std::function<void(std::ostream&)> registryExport(const Options& options) {
+  winapi::RegistryKeyName key = winapi::parseRegistryKeyName(options.exportRegistry);
+  presentMachine(options);
+  std::shared_ptr<const winapi::Registry> registry = winapi::currentMachine().registry();
+  return [registry, key](std::ostream& out) { winapi::exportRegistry(*registry, key, out); };
+}
 
 }  // namespace vrxhost

@@ -32,4 +32,10 @@ void presentMachine(const Options& options) {
 
 std::vector<std::string> machineWarnings() { return {}; }
 
+std::function<void(std::ostream&)> registryExport(const Options&) {
+  throw std::invalid_argument(
+      "--export-registry is for Linux, where it reads a machine directory; on Windows vrxhost "
+      "inventories the machine it runs on");
+}
+
 }  // namespace vrxhost

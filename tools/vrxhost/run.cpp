@@ -143,11 +143,23 @@ int runOrThrow(const Options& options) {
   return kExitOk;
 }
 
+// The machine's registry instead of an inventory: no schema, plug-in or collector.
+int exportRegistryOrThrow(const Options& options) {
+  std::function<void(std::ostream&)> write;
+  try {
+    write = registryExport(options);
+  } catch (const std::invalid_argument& e) {
+    throw RunError(kExitUsage, e.what());
+  }
+  writeOutput(options.output, write);
+  return kExitOk;
+}
+
 }  // namespace
 
 int run(const Options& options) {
   try {
-    return runOrThrow(options);
+    return options.exportRegistry.empty() ? runOrThrow(options) : exportRegistryOrThrow(options);
   } catch (const RunError& e) {
     std::cerr << "vrxhost: " << e.what() << '\n';
     return e.status;
