@@ -45,6 +45,44 @@ TEST_F(Vrxhost, AVolumeExportsAsItsDescribedTwin) {
   EXPECT_EQ(volume.out, described.out);
 }
 
+TEST_F(Vrxhost, ADirtyHiveReadWithItsLogsExportsAsWindowsRecoveredIt) {
+  const fs::path dirty = fs::path(VRX_SOURCE_DIR) / "../shared/data/hives/dirty";
+  if (!fs::exists(dirty)) GTEST_SKIP() << dirty << " is absent";
+  // A described machine whose hives/SOFTWARE is `hive` with its logs beside it, named as the
+  // hive; the export of HKLM\SOFTWARE.
+  auto softwareOf = [&](const fs::path& machine, const fs::path& hive,
+                        const std::vector<std::string>& logs) {
+    writeFile(machine / "machine.json", "{}");
+    fs::create_directories(machine / "hives");
+    fs::copy_file(hive, machine / "hives/SOFTWARE");
+    for (const std::string& log : logs)
+      fs::copy_file(hive.string() + log, machine / ("hives/SOFTWARE" + log));
+    const Result result = run("--export-registry 'HKLM\\SOFTWARE' --machine " + machine.string());
+    EXPECT_EQ(result.status, 0) << result.err;
+    return result.out;
+  };
+  struct Twin {
+    const char* folder;
+    const char* hive;
+    std::vector<std::string> logs;
+    const char* recovered;
+  };
+  const Twin twins[] = {
+      {"NewDirtyHive1", "NewDirtyHive", {".LOG1", ".LOG2"}, "RecoveredHive_Windows10"},
+      {"OldDirtyHive", "OldDirtyHive", {".LOG1"}, "RecoveredHive_Windows7"},
+  };
+  for (const Twin& twin : twins) {
+    const fs::path folder = dirty / twin.folder;
+    const std::string replayed = softwareOf(dir / twin.hive, folder / twin.hive, twin.logs);
+    const std::string recovered = softwareOf(dir / twin.recovered, folder / twin.recovered, {});
+    EXPECT_GT(replayed.size(), kHeader.size());
+    EXPECT_TRUE(replayed == recovered) << twin.folder;
+    EXPECT_NE(softwareOf(dir / (std::string(twin.hive) + "-alone"), folder / twin.hive, {}),
+              recovered)
+        << twin.folder;
+  }
+}
+
 TEST_F(Vrxhost, ExportErrorsExitWithOneLineAndTouchNoOutput) {
   writeFile(dir / "out.reg", "previous");
   const std::string output = " --output " + (dir / "out.reg").string();
