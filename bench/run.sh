@@ -4,6 +4,7 @@
 # users), inventories each with vrxhost -v and prints wall time, peak RSS and each class's ms.
 # A second table: the same machine as an offline volume (its registry as hive files), inventoried
 # by vrxhost, against libhivex's own export of the Uninstall key (hivexregedit --export).
+# Then the replay of a 12 MB hive's transaction logs (vrx_bench ReplayHiveLogs).
 # Each command runs RUNS times (5 by default); the run of median wall time is the one reported.
 #   bash bench/run.sh [SIZES...]        BUILD_DIR=build/bench by default
 set -euo pipefail
@@ -12,7 +13,8 @@ BUILD_DIR=${BUILD_DIR:-build/bench}
 SIZES=("${@:-1000 10000 100000}")
 read -r -a SIZES <<<"${SIZES[*]}"
 cmake -S . -B "$BUILD_DIR" -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
-cmake --build "$BUILD_DIR" -j2 --target vrxhost installedapps vrx_make_machine >/dev/null
+cmake --build "$BUILD_DIR" -j2 --target vrxhost installedapps vrx_make_machine \
+  vrx_bench >/dev/null
 bin=$BUILD_DIR/bin
 work=$BUILD_DIR/generated
 rm -rf "$work" && mkdir -p "$work"
@@ -78,6 +80,7 @@ volume_rss() { mebibytes "vtime$1"; }
 exported_keys() { echo $(( $(grep -c '^\[' "$work/export$1.reg") - 1 )); }
 export_wall() { seconds "htime$1"; }
 export_rss() { mebibytes "htime$1"; }
+speedup() { awk -v h="$(export_wall "$1")" -v v="$(volume_wall "$1")" 'BEGIN{printf "%.1f", h / v}'; }
 echo
 {
   printf 'offline volume'
@@ -91,4 +94,8 @@ echo
   row 'hivexregedit --export Uninstall: keys' exported_keys
   row 'hivexregedit --export Uninstall: wall time (s)' export_wall
   row 'hivexregedit --export Uninstall: peak RSS (MiB)' export_rss
+  row 'hivexregedit time / vrxhost time (goal >= 3.5)' speedup
 } | column -t -s $'\t'
+echo
+"$bin/vrx_bench" --benchmark_filter=ReplayHiveLogs --benchmark_repetitions="$RUNS" \
+  --benchmark_report_aggregates_only=true 2>/dev/null | grep -E 'ReplayHiveLogs.*median'
