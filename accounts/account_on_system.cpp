@@ -1,7 +1,8 @@
 #include "accounts/account_on_system.h"
 
+#include "accounts/account_names.h"
 #include "accounts/association_ends.h"
-#include "frame/constants.h"
+#include "frame/schema_names.h"
 
 namespace installedapps_col {
 

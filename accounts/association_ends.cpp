@@ -1,6 +1,6 @@
 #include "accounts/association_ends.h"
 
-#include "frame/constants.h"
+#include "frame/schema_names.h"
 
 namespace installedapps_col {
 

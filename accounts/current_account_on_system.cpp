@@ -1,10 +1,10 @@
 #include "accounts/current_account_on_system.h"
 
-
+#include "accounts/account_names.h"
 #include "accounts/association_ends.h"
 #include "accounts/user_account_reader.h"
 #include "frame/lower_case.h"
-#include "frame/constants.h"
+#include "frame/schema_names.h"
 
 namespace installedapps_col {
 

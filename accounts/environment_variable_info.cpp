@@ -1,7 +1,8 @@
 #include "accounts/environment_variable_info.h"
 
-#include "frame/constants.h"
-#include "os/os_configuration.h"
+#include "accounts/account_names.h"
+#include "accounts/environment_variable_reader.h"
+#include "frame/schema_names.h"
 
 namespace installedapps_col {
 
@@ -9,7 +10,7 @@ using namespace NZARVEK20;
 
 int EnvironmentVariableInfo::getCIMInstances() {
   const std::string className = getCIMClass()->GetName(TCIMOptions());
-  const std::vector<PropertyMap> records = OSConfiguration().getEnvironmentVariables(className);
+  const std::vector<PropertyMap> records = EnvironmentVariableReader().read(className);
   int built = 0;
   for (const PropertyMap& record : records) {
     try {

@@ -1,6 +1,7 @@
 #include "accounts/os_user_info.h"
 
-#include "frame/constants.h"
+#include "accounts/account_names.h"
+#include "frame/schema_names.h"
 #include "host/os_specific.h"
 
 namespace installedapps_col {

@@ -2,11 +2,12 @@
 
 #include <cstring>
 
-#include "frame/narrow_text.h"
+#include "accounts/account_names.h"
 #include "frame/cim_value_builder.h"
-#include "frame/constants.h"
 #include "frame/date_time_parser.h"
+#include "frame/narrow_text.h"
 #include "frame/platform.h"
+#include "frame/schema_names.h"
 #include "host/os_specific.h"
 
 namespace installedapps_col {

@@ -1,8 +1,8 @@
 #include "components/component_associations.h"
 
-
+#include "components/component_names.h"
 #include "frame/lower_case.h"
-#include "frame/constants.h"
+#include "frame/schema_names.h"
 
 namespace installedapps_col {
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "component_platform.h"
+#include "components/component_names.h"
 #include "components/os_component_info.h"
-#include "frame/constants.h"
 
 namespace installedapps_col {
 

@@ -3,10 +3,12 @@
 #include <climits>
 #include <sstream>
 
+#include "components/component_names.h"
 #include "components/inf_file.h"
 #include "components/wow64_redirection.h"
-#include "frame/constants.h"
+#include "frame/frame_texts.h"
 #include "frame/registry_reader.h"
+#include "frame/schema_names.h"
 #include "host/root_object.h"
 
 namespace installedapps_col {

@@ -1,7 +1,7 @@
 #include "frame/cim_value_builder.h"
 
-#include "frame/constants.h"
 #include "frame/date_time_parser.h"
+#include "frame/frame_texts.h"
 #include "frame/log_message.h"
 
 namespace installedapps_col {

@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "frame/cim_value_builder.h"
-#include "frame/constants.h"
+#include "frame/frame_texts.h"
 #include "frame/platform.h"
 
 namespace installedapps_col {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "frame/cim_value_builder.h"
-#include "frame/constants.h"
+#include "frame/frame_texts.h"
 
 namespace installedapps_col {
 

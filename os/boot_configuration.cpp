@@ -1,15 +1,15 @@
-// The boot part of OSConfiguration: a boot.ini file when one opens, else
+// OSConfiguration's boot reading: a boot.ini file when one opens, else
 // the boot configuration store as the registry shows it.
 #include <algorithm>
 #include <memory>
 
 #include "frame/cim_value_builder.h"
-#include "frame/constants.h"
 #include "frame/platform.h"
 #include "frame/text_file.h"
 #include "host/os_specific.h"
 #include "os/boot_records.h"
 #include "os/os_configuration.h"
+#include "os/os_names.h"
 
 namespace installedapps_col {
 

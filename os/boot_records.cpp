@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "frame/constants.h"
+#include "os/os_names.h"
 
 namespace installedapps_col {
 

@@ -1,7 +1,7 @@
 #include "os/memory_utilization.h"
 
-#include "frame/constants.h"
 #include "frame/platform.h"
+#include "os/os_names.h"
 
 namespace installedapps_col {
 

@@ -1,6 +1,5 @@
-// Configuration the operating system keeps: its stored environment
-// variables, and how it boots (a boot.ini file or the boot configuration
-// store).
+// How the operating system boots: a boot.ini file or the boot configuration
+// store.
 #pragma once
 
 #include <istream>
@@ -16,11 +15,6 @@ class OSConfiguration {
  public:
   OSConfiguration() : logger(LogMessage::getInstance()) {}
   virtual ~OSConfiguration() {}
-
-  // One record (SettingID, SettingValue) per variable with text: the
-  // machine's variables for QELTO_SystemEnvironmentVariable, the current
-  // user's for any other class.
-  std::vector<PropertyMap> getEnvironmentVariables(std::string className);
 
   // BootConfigurationFileName and BootConfigurationFileContents, each when
   // it was found; each looks for the configuration afresh.

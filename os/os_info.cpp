@@ -1,9 +1,11 @@
 #include "os/os_info.h"
 
-#include "frame/constants.h"
+#include "frame/frame_texts.h"
+#include "frame/schema_names.h"
 #include "host/os_specific.h"
 #include "os/memory_utilization.h"
 #include "os/os_configuration.h"
+#include "os/os_names.h"
 #include "os/os_performance_params.h"
 #include "os/os_product_info.h"
 #include "os/os_time_info.h"

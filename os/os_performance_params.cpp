@@ -1,6 +1,6 @@
 #include "os/os_performance_params.h"
 
-#include "frame/constants.h"
+#include "os/os_names.h"
 #include "os_platform.h"
 
 namespace installedapps_col {

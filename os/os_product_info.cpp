@@ -5,9 +5,10 @@
 #include <vector>
 
 #include "frame/cim_value_builder.h"
-#include "frame/constants.h"
 #include "frame/registry_reader.h"
+#include "frame/schema_names.h"
 #include "frame/wow64.h"
+#include "os/os_names.h"
 
 namespace installedapps_col {
 

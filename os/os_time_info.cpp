@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "frame/narrow_text.h"
-#include "frame/constants.h"
 #include "frame/date_time_parser.h"
+#include "frame/narrow_text.h"
 #include "host/os_specific.h"
+#include "os/os_names.h"
 #include "os/pdh_status_text.h"
 #include "os/time_zone_info.h"
 #include "os_platform.h"

@@ -6,8 +6,10 @@
 #include <new>
 #include <type_traits>
 
+#include "frame/frame_texts.h"
 #include "frame/narrow_text.h"
-#include "frame/constants.h"
+#include "frame/schema_names.h"
+#include "os/os_names.h"
 #include "os_platform.h"
 
 namespace installedapps_col {

@@ -3,9 +3,10 @@
 #include <cctype>
 #include <sstream>
 
-#include "frame/constants.h"
 #include "frame/registry_reader.h"
+#include "frame/schema_names.h"
 #include "host/os_specific.h"
+#include "software/software_names.h"
 
 namespace installedapps_col {
 

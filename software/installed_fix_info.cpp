@@ -1,7 +1,7 @@
 #include "software/installed_fix_info.h"
 
-#include "frame/constants.h"
 #include "host/os_specific.h"
+#include "software/software_names.h"
 #include "software/windows_fix_info.h"
 
 namespace installedapps_col {

@@ -3,9 +3,10 @@
 #include <set>
 
 #include "frame/lower_case.h"
-#include "frame/constants.h"
 #include "frame/registry_reader.h"
+#include "frame/schema_names.h"
 #include "host/root_object.h"
+#include "software/software_names.h"
 
 namespace installedapps_col {
 

@@ -4,9 +4,10 @@
 #include <cstring>
 #include <sstream>
 
-#include "frame/constants.h"
 #include "frame/platform.h"
+#include "frame/schema_names.h"
 #include "host/root_object.h"
+#include "software/software_names.h"
 #include "software/windows_fix_info.h"
 
 namespace installedapps_col {

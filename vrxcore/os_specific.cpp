@@ -1,6 +1,6 @@
 #include "host/os_specific.h"
 
-#include "frame/platform.h"
+#include "core_platform.h"
 
 namespace NZARVEK20 {
 

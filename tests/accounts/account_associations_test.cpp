@@ -2,7 +2,7 @@
 
 #include "accounts/account_on_system.h"
 #include "accounts/current_account_on_system.h"
-#include "frame/system_information.h"
+#include "plugin/system_information.h"
 #include "tests/frame/plugin_test_support.h"
 #include "tests/vrxcore/test_schema.h"
 

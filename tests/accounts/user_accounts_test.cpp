@@ -2,7 +2,7 @@
 
 #include "accounts/os_user_info.h"
 #include "accounts/user_account_reader.h"
-#include "frame/system_information.h"
+#include "plugin/system_information.h"
 #include "tests/frame/plugin_test_support.h"
 
 namespace installedapps_col {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "frame/system_information.h"
+#include "plugin/system_information.h"
 #include "tests/components/component_test_files.h"
 
 namespace installedapps_col {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "components/component_associations.h"
-#include "frame/system_information.h"
+#include "plugin/system_information.h"
 #include "tests/frame/plugin_test_support.h"
 
 namespace installedapps_col {

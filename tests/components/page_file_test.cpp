@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "os/page_file_info.h"
-#include "frame/system_information.h"
+#include "plugin/system_information.h"
 #include "tests/os/os_test_machine.h"
 
 namespace installedapps_col {

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "frame/system_information.h"
+#include "plugin/system_information.h"
 #include "tests/frame/plugin_test_support.h"
 #include "tests/vrxcore/test_schema.h"
 #include "winapi/machine.h"

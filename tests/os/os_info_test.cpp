@@ -1,7 +1,8 @@
+#include "os/os_info.h"
+
 #include <gtest/gtest.h>
 
-#include "frame/system_information.h"
-#include "os/os_info.h"
+#include "plugin/system_information.h"
 #include "tests/os/os_test_machine.h"
 
 namespace installedapps_col {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "frame/system_information.h"
 #include "os/os_time_info.h"
 #include "os/time_zone_info.h"
+#include "plugin/system_information.h"
 #include "tests/os/os_test_machine.h"
 
 namespace installedapps_col {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/platform.h"
-#include "frame/system_information.h"
+#include "plugin/system_information.h"
 #include "software/windows_fix_info.h"
 #include "tests/frame/plugin_test_support.h"
 

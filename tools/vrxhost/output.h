@@ -13,7 +13,4 @@ namespace vrxhost {
 // file is then left as it was.
 void writeOutput(const std::string& path, const std::function<void(std::ostream&)>& write);
 
-// Machine text (its ANSI code page) as UTF-8.
-std::string machineTextToUtf8(const std::string& text);
-
 }  // namespace vrxhost

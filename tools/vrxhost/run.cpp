@@ -13,6 +13,7 @@
 #include "tools/vrxhost/platform.h"
 #include "vrxcore/core_logger.h"
 #include "vrxcore/exporters.h"
+#include "vrxcore/machine_text.h"
 #include "vrxcore/mof_loader.h"
 
 namespace vrxhost {

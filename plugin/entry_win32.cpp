@@ -2,7 +2,7 @@
 // do nothing.
 #include <windows.h>
 
-#include "frame/registration.h"
+#include "plugin/registration.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
   if (reason != DLL_PROCESS_ATTACH) return TRUE;

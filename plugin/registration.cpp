@@ -1,10 +1,10 @@
-#include "frame/registration.h"
+#include "plugin/registration.h"
 
 #include <memory>
 #include <new>
 
-#include "frame/callbacks.h"
 #include "host/root_object.h"
+#include "plugin/callbacks.h"
 
 namespace installedapps_col {
 

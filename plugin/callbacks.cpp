@@ -1,7 +1,7 @@
-#include "frame/callbacks.h"
+#include "plugin/callbacks.h"
 
-#include "frame/constants.h"
-#include "frame/system_information.h"
+#include "plugin/plugin_names.h"
+#include "plugin/system_information.h"
 
 using namespace installedapps_col;
 

@@ -1,6 +1,6 @@
 // Registration when the dynamic loader brings the library into the process,
 // the counterpart of the process-attach notification on Windows.
-#include "frame/registration.h"
+#include "plugin/registration.h"
 
 namespace {
 

@@ -1,21 +1,26 @@
-#include "frame/system_information.h"
+#include "plugin/system_information.h"
 
 #include <exception>
 #include <vector>
 
+#include "accounts/account_names.h"
 #include "accounts/account_on_system.h"
 #include "accounts/current_account_on_system.h"
 #include "accounts/environment_variable_info.h"
 #include "accounts/os_user_info.h"
 #include "components/component_associations.h"
+#include "components/component_names.h"
 #include "components/os_component_info.h"
-#include "frame/constants.h"
 #include "frame/platform.h"
+#include "frame/schema_names.h"
 #include "os/os_info.h"
+#include "os/os_names.h"
 #include "os/page_file_info.h"
 #include "os/time_zone_info.h"
+#include "plugin/plugin_names.h"
 #include "software/installed_app_info.h"
 #include "software/installed_fix_info.h"
+#include "software/software_names.h"
 
 namespace installedapps_col {
 
