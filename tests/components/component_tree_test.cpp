@@ -143,15 +143,16 @@ class T_NamedComponent : QELTO_OSComponent { string Name; string Parent; };
     std::vector<std::string> found;
     for (const auto& instance : bare->GetInstances())
       if (instance->GetClass({})->GetName({}) == className)
-        found.push_back(static_cast<std::string>(
-            instance->GetProperty("PartComponent", {})->GetValue({})));
+        found.push_back(
+            static_cast<std::string>(instance->GetProperty("PartComponent", {})->GetValue({})));
     return found;
   };
   EXPECT_EQ(OSBaseComponent(bare->GetClass("QELTO_OSBaseComponent", {})).buildCIMAssociation(bare),
             1);
   EXPECT_EQ(parts("QELTO_OSBaseComponent"),
             std::vector<std::string>{"T_NamedComponent.INFName=\"a.inf\""});
-  EXPECT_EQ(OSSubComponent(bare->GetClass("QELTO_OSSubComponent", {})).buildCIMAssociation(bare), 1);
+  EXPECT_EQ(OSSubComponent(bare->GetClass("QELTO_OSSubComponent", {})).buildCIMAssociation(bare),
+            1);
   EXPECT_EQ(parts("QELTO_OSSubComponent"),
             std::vector<std::string>{"T_NamedComponent.INFName=\"b.inf\""});
   EXPECT_TRUE(log.lines().empty());
