@@ -195,6 +195,18 @@ TEST_F(ComponentEnumeration, A32BitProcessLooksBehindTheRedirectionOfSystem32) {
                    {3, "Fixing up instance ...QELTO_OSComponent with propertyINFName"}}));
 }
 
+TEST_F(ComponentEnumeration, WithoutKernel32AComponentsDllIsNotLookedForAlongPath) {
+  nlohmann::json description = windowsXp();
+  description["missing"] = {"kernel32.dll"};
+  OsMachine machine(description, kOcManager, setupFiles());
+  collect("QELTO_OSComponent");
+  // netoc.dll lies along PATH only; the backup program's first walk needs no kernel32.
+  EXPECT_EQ(values("Version"), (Names{"5.1.2600.5512", "5.1.2600.5512", "5.1.2600.5512",
+                                      "6.0.6001.18000", "", "", "5.1.2600.5512"}));
+  for (const auto& line : log.lines())
+    EXPECT_EQ(line.second.find("findDllInSysPath"), std::string::npos) << line.second;
+}
+
 TEST_F(ComponentEnumeration, MissingSetupFilesLeaveOnlyWhatCanStillBeFound) {
   {
     // No sysoc.inf and no backup program: nothing at all.

@@ -3,6 +3,7 @@
 #include "components/component_associations.h"
 #include "plugin/system_information.h"
 #include "tests/frame/plugin_test_support.h"
+#include "tests/vrxcore/test_schema.h"
 
 namespace installedapps_col {
 namespace {
@@ -107,6 +108,53 @@ TEST_F(ComponentTree, AFailureOtherThanAMissingPropertyEndsTheAssociationQuietly
   EXPECT_EQ(collect("QELTO_OSSubComponent"), 1);
   EXPECT_EQ(collect("QELTO_OSSubComponent"), 0);
   EXPECT_EQ(links("QELTO_OSSubComponent").size(), 1u);
+  EXPECT_TRUE(log.lines().empty());
+}
+
+// Components of a class that lacks Name and Parent, among those of a subclass
+// that has them: reading either fails with status 15 for that component,
+// which passes it over, as a parent and as a child, and the loops go on.
+TEST(ComponentTreeStatus15, ComponentsWithoutTheirPropertiesArePassedOver) {
+  registeredPlugin();
+  LogCapture log;
+  auto bare = TRepositoryNamespace::Create("root/bare");
+  LoadMof(*bare, mof::parseMof(std::string(kTestQualifiers) + R"(
+class QELTO_OperatingSystem { [Key] string Name; };
+class QELTO_OSComponent { [Key] string INFName; };
+class T_NamedComponent : QELTO_OSComponent { string Name; string Parent; };
+[Association] class QELTO_OSBaseComponent {
+  [Key] QELTO_OperatingSystem REF GroupComponent; [Key] QELTO_OSComponent REF PartComponent; };
+[Association] class QELTO_OSSubComponent {
+  [Key] QELTO_OSComponent REF GroupComponent; [Key] QELTO_OSComponent REF PartComponent; };)",
+                               "bare.mof"));
+  const auto commit = [&](const char* className, const PropertyMap& values) {
+    auto instance = bare->GetClass(className, {})->AllocateInstance({});
+    for (const auto& value : values) instance->SetPropertyValue(value.first, value.second, {});
+    instance->Commit({});
+  };
+  commit("QELTO_OperatingSystem", {{"Name", TCIMValue("XP")}});
+  commit("QELTO_OSComponent", {{"INFName", TCIMValue("bare.inf")}});
+  commit("T_NamedComponent",
+         {{"INFName", TCIMValue("a.inf")}, {"Name", TCIMValue("Top")}, {"Parent", TCIMValue("")}});
+  commit("T_NamedComponent", {{"INFName", TCIMValue("b.inf")},
+                              {"Name", TCIMValue("Child")},
+                              {"Parent", TCIMValue("top")}});
+  const auto parts = [&](const char* className) {
+    std::vector<std::string> found;
+    for (const auto& instance : bare->GetInstances())
+      if (instance->GetClass({})->GetName({}) == className)
+        found.push_back(
+            static_cast<std::string>(instance->GetProperty("PartComponent", {})->GetValue({})));
+    return found;
+  };
+  EXPECT_EQ(OSBaseComponent(bare->GetClass("QELTO_OSBaseComponent", {})).buildCIMAssociation(bare),
+            1);
+  EXPECT_EQ(parts("QELTO_OSBaseComponent"),
+            std::vector<std::string>{"T_NamedComponent.INFName=\"a.inf\""});
+  EXPECT_EQ(OSSubComponent(bare->GetClass("QELTO_OSSubComponent", {})).buildCIMAssociation(bare),
+            1);
+  EXPECT_EQ(parts("QELTO_OSSubComponent"),
+            std::vector<std::string>{"T_NamedComponent.INFName=\"b.inf\""});
   EXPECT_TRUE(log.lines().empty());
 }
 

@@ -78,6 +78,36 @@ TEST_F(WithPacificZone, SecondsAndIntervals) {
                                 {4, "Successfully parsed the date and/or time"}}));
 }
 
+// Pacific time is also the C runtime's own zone; these zones show that the
+// machine's zone is the one read: east of UTC, with and without a daylight rule.
+TEST(DateZones, OffsetsAndLocalTimesFollowTheMachinesZone) {
+  registeredPlugin();
+  struct Case {
+    const char* zone;
+    const char* fromParts;    // 01/31/2010
+    const char* fromSeconds;  // 2010-07-01 00:00 UTC
+    const char* fromZero;     // a zone east of UTC is no number of seconds west: 2^32 - its bias
+  };
+  const Case cases[] = {
+      {R"({"bias": -330, "standardName": "India Standard Time"})", "20100131000000.000000+330",
+       "20100701053000.000000+330", "21060207062816.000000+330"},
+      {R"({"bias": -60, "standardName": "W. Europe Standard Time", "daylightBias": -60,
+           "standardDate": {"month": 10, "dayOfWeek": 0, "day": 5, "hour": 3},
+           "daylightDate": {"month": 3, "dayOfWeek": 0, "day": 5, "hour": 2}})",
+       "20100131000000.000000+120", "20100701020000.000000+120", "21060207062816.000000+120"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.zone);
+    winapi::setCurrentMachine(winapi::Machine::fromDescription(
+        nlohmann::json{{"timeZone", nlohmann::json::parse(c.zone)}}));
+    DateTimeParser parser(LogMessage::getInstance());
+    EXPECT_EQ(parser.parseDateTime("01/31/2010").ToString(), c.fromParts);
+    EXPECT_EQ(parser.dateFromSeconds(1277942400).ToString(), c.fromSeconds);
+    EXPECT_EQ(parser.dateFromSeconds(0).ToString(), c.fromZero);
+  }
+  winapi::setCurrentMachine(nullptr);
+}
+
 TEST_F(WithPacificZone, TheSchemaTypesEachFact) {
   auto ns = makeTestNamespace();
   CIMValueBuilder builder(ns->GetClass("T_SystemSetting", {}));

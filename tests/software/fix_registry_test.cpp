@@ -92,6 +92,23 @@ TEST_F(RegistryFixes, FixKeysMergeWithTheirUninstallNamesakes) {
   EXPECT_EQ(records[2], (FactMap{{"ProductName", "only here"}}));
 }
 
+TEST_F(RegistryFixes, A32BitProcessOn64BitWindowsReadsUninstallInItsOwnView) {
+  // The fix tree comes from the 64-bit view, its Uninstall namesake from the 32-bit one.
+  const auto wowKey = [](const std::string& path, const std::string& values) {
+    return "[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Microsoft\\" + path + "]\r\n" + values +
+           "\r\n";
+  };
+  json description = kNoQueriedFixes;
+  description["system"] = {{"wow64", true}};
+  RegistryMachine machine(
+      update("KB1", described("Native fix")) + uninstall("KB1", "\"DisplayVersion\"=\"64\"") +
+          wowKey("Updates\\KB1", described("Wow fix")) +
+          wowKey("Windows\\CurrentVersion\\Uninstall\\KB1", "\"DisplayVersion\"=\"32\""),
+      description);
+  EXPECT_EQ(WindowsFixInfo().getInfo(),
+            (FactList{{{"ProductName", "Native fix"}, {"ProductVersion", "32"}}}));
+}
+
 TEST_F(RegistryFixes, InstancesTakeTheMachineAsTheirSystem) {
   auto ns = makeSchemaNamespace();
   json description = kNoQueriedFixes;

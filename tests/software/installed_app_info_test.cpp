@@ -96,6 +96,23 @@ TEST_F(Applications, FixesAreFilteredByTheirExactForms) {
                    "Build 99887"}));
 }
 
+TEST_F(Applications, A32BitProcessOn64BitWindowsReadsUninstallInItsOwnView) {
+  // Both views hold every place: the Uninstall keys come from the 32-bit
+  // view, so both read the WOW6432Node key; installer products from the 64-bit one.
+  const std::string wowInstaller =
+      "[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Classes\\Installer\\Products\\";
+  RegistryMachine machine(product(kUninstall, "a", "\"DisplayName\"=\"Native tool\"") +
+                              product(kWow64, "a", "\"DisplayName\"=\"Wow tool\"") +
+                              product(kInstaller, "1", "\"ProductName\"=\"Native runtime\"") +
+                              product(wowInstaller, "1", "\"ProductName\"=\"Wow runtime\""),
+                          {{"system", {{"wow64", true}}}});
+  Names names;
+  for (const FactMap& record :
+       InstalledAppInfo(ns->GetClass("QELTO_InstalledApplication", {})).getInfo())
+    names.push_back(record.at("ProductName"));
+  EXPECT_EQ(names, (Names{"Wow tool", "Native runtime"}));
+}
+
 TEST_F(Applications, InstallerProductsTakeNameAndPackedVersion) {
   RegistryMachine machine(
       product(kUninstall, "{A}", "\"DisplayName\"=\"Native\"\r\n\"VersionMajor\"=dword:00000003\r\n"

@@ -30,32 +30,20 @@ std::vector<std::string> ids(ICIMClass& cimClass, bool deep) {
   return result;
 }
 
-TEST(Repository, ClassesKnowTheirKeysInheritanceAndQualifiers) {
+TEST(Repository, ClassesAreFoundWithoutRegardToCaseAndKeepTheirKeyOrder) {
   auto ns = makeTestNamespace();
   auto child = ns->GetClass("t_systemsetting", TCIMOptions{{"nspID", TCIMValue("plugin")}});
   EXPECT_EQ(child, ns->GetClass("T_SystemSetting", {}));
   EXPECT_EQ(child->GetName({}), "T_SystemSetting");
-  EXPECT_EQ(child->GetSuperClassName({}), "T_Setting");
   EXPECT_TRUE(child->IsSubclassOf("t_setting", {}));
-  EXPECT_FALSE(child->IsAbstract({}));
-  EXPECT_TRUE(ns->GetClass("T_Setting", {})->IsAbstract({}));
-  EXPECT_TRUE(ns->GetClass("T_SystemSettings", {})->IsAssociation({}));
-  EXPECT_FALSE(child->IsAssociation({}));
-  EXPECT_EQ(static_cast<std::string>(child->GetQualifier("DESCRIPTION", {})), "");
+  EXPECT_TRUE(child->GetProperty("settingid", {})->IsKey({}));  // inherited
+  EXPECT_EQ(codeOf([&] { ns->GetClass("T_Nothing", {}); }), VRX_INVALID_CLASS);
 
   std::vector<const std::string*> keys;
   ns->GetClass("T_System", {})->EnumerateKeyNames(TAddKeyNamesToVectorCallback(keys), {});
-  ASSERT_EQ(keys.size(), 3u);
-  EXPECT_EQ(*keys[0], "CreationClassName");
-  EXPECT_EQ(*keys[2], "Number");
-
-  auto weight = child->GetProperty("weight", {});
-  ASSERT_TRUE(weight);
-  EXPECT_EQ(static_cast<ECIMType>(weight->GetType({})), CIM_UINT16);
-  EXPECT_TRUE(child->GetProperty("Tags", {})->IsArray({}));
-  EXPECT_TRUE(child->GetProperty("SettingID", {})->IsKey({}));
-  EXPECT_FALSE(child->GetProperty("NoSuch", {}));
-  EXPECT_EQ(codeOf([&] { ns->GetClass("T_Nothing", {}); }), VRX_INVALID_CLASS);
+  std::vector<std::string> names;
+  for (const std::string* key : keys) names.push_back(*key);
+  EXPECT_EQ(names, (std::vector<std::string>{"CreationClassName", "Name", "Number"}));
 }
 
 TEST(Repository, InstancesConvertValuesAndRefuseWhatTheClassLacks) {
