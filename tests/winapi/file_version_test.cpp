@@ -20,7 +20,7 @@ const char* const kFixtureDlls[] = {
     "build_comment.dll",    "build_comment32.dll", "no_translation.dll", "leading_blank.dll",
     "description_only.dll", "strings_only.dll",    "no_resources.dll"};
 
-// A machine whose system directory holds the DLLs built from tests/winapi/pe.
+// A machine whose system directory holds the fixture DLLs made at build time.
 class FileVersion : public ::testing::Test {
  protected:
   void SetUp() override {
