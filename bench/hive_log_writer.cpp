@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "bench/hive_writer.h"
 #include "winapi/little_endian.h"
 #include "winapi/marvin32.h"
 
@@ -12,24 +13,12 @@ namespace {
 constexpr std::size_t kSector = 512;
 constexpr std::size_t kBaseBlock = 4096;
 constexpr std::size_t kPage = 4096;
-constexpr std::size_t kChecksum = 508;
 constexpr std::uint64_t kEntrySeed = 0x82EF4D887A4E55C5;
 
-void put32(std::string& bytes, std::size_t at, std::uint32_t value) {
-  for (std::size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<char>(value >> (8 * i));
-}
-
-void put64(std::string& bytes, std::size_t at, std::uint64_t value) {
-  put32(bytes, at, static_cast<std::uint32_t>(value));
-  put32(bytes, at + 4, static_cast<std::uint32_t>(value >> 32));
-}
-
 void setSequence(std::string& baseBlock, std::uint32_t primary, std::uint32_t secondary) {
-  put32(baseBlock, 4, primary);
-  put32(baseBlock, 8, secondary);
-  std::uint32_t sum = 0;
-  for (std::size_t at = 0; at < kChecksum; at += 4) sum ^= winapi::littleEndian(baseBlock, at, 4);
-  put32(baseBlock, kChecksum, sum);
+  winapi::putLittleEndian(baseBlock, 4, primary, 4);
+  winapi::putLittleEndian(baseBlock, 8, secondary, 4);
+  sealBaseBlock(baseBlock);
 }
 
 std::uint32_t binsSize(std::string_view hive) { return winapi::littleEndian(hive, 40, 4); }
@@ -39,18 +28,20 @@ std::string logEntry(std::string_view after, const std::vector<std::size_t>& pag
                      std::uint32_t sequence) {
   std::string entry(40 + 8 * pages.size(), '\0');
   entry.replace(0, 4, "HvLE");
-  put32(entry, 12, sequence);
-  put32(entry, 16, binsSize(after));
-  put32(entry, 20, static_cast<std::uint32_t>(pages.size()));
+  winapi::putLittleEndian(entry, 12, sequence, 4);
+  winapi::putLittleEndian(entry, 16, binsSize(after), 4);
+  winapi::putLittleEndian(entry, 20, static_cast<std::uint32_t>(pages.size()), 4);
   for (std::size_t i = 0; i < pages.size(); ++i) {
-    put32(entry, 40 + 8 * i, static_cast<std::uint32_t>(pages[i]));
-    put32(entry, 44 + 8 * i, kPage);
+    winapi::putLittleEndian(entry, 40 + 8 * i, static_cast<std::uint32_t>(pages[i]), 4);
+    winapi::putLittleEndian(entry, 44 + 8 * i, kPage, 4);
     entry.append(after.substr(kBaseBlock + pages[i], kPage));
   }
   entry.resize((entry.size() + kSector - 1) / kSector * kSector, '\0');
-  put32(entry, 4, static_cast<std::uint32_t>(entry.size()));
-  put64(entry, 24, winapi::marvin32(std::string_view(entry).substr(40), kEntrySeed));
-  put64(entry, 32, winapi::marvin32(std::string_view(entry).substr(0, 32), kEntrySeed));
+  winapi::putLittleEndian(entry, 4, static_cast<std::uint32_t>(entry.size()), 4);
+  winapi::putLittleEndian(entry, 24,
+                          winapi::marvin32(std::string_view(entry).substr(40), kEntrySeed), 8);
+  winapi::putLittleEndian(entry, 32,
+                          winapi::marvin32(std::string_view(entry).substr(0, 32), kEntrySeed), 8);
   return entry;
 }
 
@@ -59,7 +50,7 @@ std::string logEntry(std::string_view after, const std::vector<std::size_t>& pag
 std::string transactionLog(std::string_view before, std::string_view after, std::uint32_t sequence,
                            std::size_t pagesPerEntry) {
   std::string log(before.substr(0, kSector));
-  put32(log, 28, 6);  // a log of entries
+  winapi::putLittleEndian(log, 28, 6, 4);  // a log of entries
   setSequence(log, sequence, sequence);
   const std::size_t bins = binsSize(after);
   std::vector<std::size_t> pages;

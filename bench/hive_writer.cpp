@@ -80,7 +80,6 @@ struct ListEntry {
 class HiveBuilder {
  public:
   std::string build(const RegistryKey& root) {
-    security_ = writeSecurity();
     std::uint32_t rootCell = writeKey(root, kNone, kKeyHiveEntry | kKeyNoDelete);
     put32(security_ + 4 + 0x0C, keys_);  // every key refers to the one descriptor
     closeBin();
@@ -90,15 +89,11 @@ class HiveBuilder {
 
  private:
   // Little-endian at a file position.
-  void putAt(std::size_t at, std::uint32_t value, int bytes) {
-    for (int i = 0; i < bytes; ++i) hive_[at + i] = static_cast<char>(value >> (8 * i));
-  }
+  void putAt(std::size_t at, std::uint32_t value) { winapi::putLittleEndian(hive_, at, value, 4); }
   void put16(std::size_t cellOffset, std::uint16_t value) {
-    putAt(kBaseBlock + cellOffset, value, 2);
+    winapi::putLittleEndian(hive_, kBaseBlock + cellOffset, value, 2);
   }
-  void put32(std::size_t cellOffset, std::uint32_t value) {
-    putAt(kBaseBlock + cellOffset, value, 4);
-  }
+  void put32(std::size_t cellOffset, std::uint32_t value) { putAt(kBaseBlock + cellOffset, value); }
   void putBytes(std::size_t cellOffset, std::string_view bytes) {
     std::memcpy(&hive_[kBaseBlock + cellOffset], bytes.data(), bytes.size());
   }
@@ -151,6 +146,8 @@ class HiveBuilder {
     ++keys_;
     StoredName name(key.name());
     std::uint32_t cell = allocate(kKeyName + name.bytes.size());
+    // The root key opens the first bin and the descriptor follows it, as Windows lays them out.
+    if (parent == kNone) security_ = writeSecurity();
     std::size_t record = cell + 4;
     putBytes(record, "nk");
     put16(record + kKeyFlags, flags | (name.compressed ? kKeyAsciiName : 0));
@@ -261,20 +258,18 @@ class HiveBuilder {
     return cell;
   }
 
-  // Written whole: both sequence numbers the same, format 1.5, checksum over the first 508 bytes.
+  // Written whole: both sequence numbers the same, format 1.5.
   void writeBaseBlock(std::uint32_t rootCell) {
     std::memcpy(&hive_[0], "regf", 4);
-    putAt(0x04, 1, 4);
-    putAt(0x08, 1, 4);
-    putAt(0x14, 1, 4);
-    putAt(0x18, 5, 4);
-    putAt(0x20, 1, 4);
-    putAt(0x24, rootCell, 4);
-    putAt(0x28, static_cast<std::uint32_t>(end()), 4);
-    putAt(0x2C, 1, 4);
-    std::uint32_t sum = 0;
-    for (std::size_t at = 0; at < 0x1FC; at += 4) sum ^= winapi::littleEndian(hive_, at, 4);
-    putAt(0x1FC, sum, 4);
+    putAt(0x04, 1);
+    putAt(0x08, 1);
+    putAt(0x14, 1);
+    putAt(0x18, 5);
+    putAt(0x20, 1);
+    putAt(0x24, rootCell);
+    putAt(0x28, static_cast<std::uint32_t>(end()));
+    putAt(0x2C, 1);
+    sealBaseBlock(hive_);
   }
 
   std::string hive_ = std::string(kBaseBlock, '\0');
@@ -286,6 +281,13 @@ class HiveBuilder {
 }  // namespace
 
 std::string hiveBytes(const RegistryKey& root) { return HiveBuilder().build(root); }
+
+void sealBaseBlock(std::string& hive) {
+  constexpr std::size_t kChecksum = 0x1FC;
+  std::uint32_t sum = 0;
+  for (std::size_t at = 0; at < kChecksum; at += 4) sum ^= winapi::littleEndian(hive, at, 4);
+  winapi::putLittleEndian(hive, kChecksum, sum, 4);
+}
 
 void writeHiveFile(const RegistryKey& root, const std::filesystem::path& file) {
   std::ofstream out(file, std::ios::binary);

@@ -18,6 +18,10 @@ std::string hiveBytes(const winapi::RegistryKey& root);
 // hiveBytes(root) written to `file`; throws std::runtime_error when it cannot be written.
 void writeHiveFile(const winapi::RegistryKey& root, const std::filesystem::path& file);
 
+// Makes the checksum of the base block at the start of `hive` (offset 508) hold for the 508 bytes
+// before it again, after some of them were changed.
+void sealBaseBlock(std::string& hive);
+
 }  // namespace bench
 
 #endif

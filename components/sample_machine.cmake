@@ -1,7 +1,7 @@
 # The sample machine as vrxhost sees it by default: a copy of
 # examples/machines/sample in the build tree, completed with the component
 # DLLs and the backup program, whose version resources are made here.
-include(${CMAKE_CURRENT_LIST_DIR}/versioned_files.cmake)
+include(${CMAKE_SOURCE_DIR}/cmake/versioned_files.cmake)
 
 set(VRX_SAMPLE_SOURCE ${CMAKE_SOURCE_DIR}/examples/machines/sample)
 set(VRX_SAMPLE_BUILT ${CMAKE_BINARY_DIR}/machines/sample)

@@ -4,15 +4,13 @@ namespace installedapps_col {
 
 namespace {
 
-constexpr DWORD kLoadWithAlteredSearchPath = 8;
-
 typedef BOOL(WINAPI* DisableRedirectionFunction)(void**);
 typedef BOOL(WINAPI* RevertRedirectionFunction)(void*);
 
 }  // namespace
 
 Wow64Redirection::Wow64Redirection()
-    : kernel32(LoadLibraryExA("kernel32.dll", nullptr, kLoadWithAlteredSearchPath)) {}
+    : kernel32(LoadLibraryExA("kernel32.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {}
 
 Wow64Redirection::~Wow64Redirection() {
   if (kernel32) FreeLibrary(kernel32);

@@ -7,8 +7,6 @@
 namespace installedapps_col {
 namespace {
 
-constexpr REGSAM kKeyRead = 0x20019;
-constexpr REGSAM kKeyRead64 = 0x20119;
 constexpr DWORD kFirstExpansionBuffer = 255;
 constexpr DWORD kSubKeyNameBuffer = 4096;
 
@@ -28,8 +26,9 @@ bool queryInfo(HKEY key, KeyInfo& info) {
 }  // namespace
 
 bool RegistryReader::openKey(HKEY* result, HKEY hive, const std::string& path) {
-  REGSAM mask = kKeyRead;
-  if (runsUnderWow64() && path.find("Uninstall") == std::string::npos) mask = kKeyRead64;
+  REGSAM mask = KEY_READ;
+  if (runsUnderWow64() && path.find("Uninstall") == std::string::npos)
+    mask = KEY_READ | KEY_WOW64_64KEY;
   return RegOpenKeyExA(hive, path.c_str(), 0, mask, result) != ERROR_SUCCESS;
 }
 

@@ -1,7 +1,7 @@
 // Any bytes as a PE file: the version resource is looked for as GetFileVersionInfoSizeA looks
 // for it, and when there is one, the buffer GetFileVersionInfoA makes of it is queried as the
-// collectors query it. Nothing may read outside the image or the buffer. Seeds: the DLLs built
-// from tests/winapi/pe.
+// collectors query it. Nothing may read outside the image or the buffer. Seeds: the winapi tests'
+// fixture DLLs, made at build time.
 #include <cstddef>
 #include <cstdint>
 #include <string_view>

@@ -17,9 +17,7 @@ using namespace NZARVEK20;
 
 namespace {
 
-constexpr UINT kFailCriticalErrors = 1;
 constexpr DWORD kDriveBuffer = 254;
-constexpr REGSAM kKeyQueryValue = 1;
 constexpr DWORD kElementBuffer = 8192;
 // Seconds "bcdedit" may take to make the store visible.
 constexpr int kBcdeditLimit = 300;
@@ -57,7 +55,7 @@ PropertyMap OSConfiguration::getBootProperties() {
 }
 
 TCIMValue OSConfiguration::getBootConfigurationValue(int mode) {
-  SetErrorMode(kFailCriticalErrors);
+  SetErrorMode(SEM_FAILCRITICALERRORS);
   logger->logDebug(constants::kCollectingBootProperties);
   std::vector<char> systemDrive(kDriveBuffer + 1, '\0');
   if (ExpandEnvironmentStringsA("%SystemDrive%", systemDrive.data(), kDriveBuffer) == 0) {
@@ -120,8 +118,7 @@ std::string OSConfiguration::applicationBlock(const std::string& label,
 
 std::string OSConfiguration::readBcdElement(std::string keyPath) {
   HKEY key = nullptr;
-  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, keyPath.c_str(), 0, kKeyQueryValue, &key) !=
-      ERROR_SUCCESS)
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, keyPath.c_str(), 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS)
     return std::string();
   // One byte beyond the queried size keeps every text terminated.
   std::vector<char> data(kElementBuffer + 1, '\0');

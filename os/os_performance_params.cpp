@@ -9,10 +9,6 @@ using namespace NZARVEK20;
 
 namespace {
 
-constexpr BYTE kGreaterOrEqual = 3;
-constexpr DWORD kMinorVersion = 1, kMajorVersion = 2;
-constexpr DWORD kLoadWithAlteredSearchPath = 8;
-
 typedef BOOL(WINAPI* GetPerformanceInfoFunction)(PERFORMANCE_INFORMATION*, DWORD);
 
 // Sizes the record gives in pages, reported in KiB.
@@ -34,9 +30,9 @@ bool hasPerformanceInformation() {
   wanted.dwOSVersionInfoSize = sizeof wanted;
   wanted.dwMajorVersion = 5;
   wanted.dwMinorVersion = 1;
-  ULONGLONG condition = VerSetConditionMask(0, kMajorVersion, kGreaterOrEqual);
-  condition = VerSetConditionMask(condition, kMinorVersion, kGreaterOrEqual);
-  return VerifyVersionInfoA(&wanted, kMajorVersion | kMinorVersion, condition) != FALSE;
+  ULONGLONG condition = VerSetConditionMask(0, VER_MAJORVERSION, VER_GREATER_EQUAL);
+  condition = VerSetConditionMask(condition, VER_MINORVERSION, VER_GREATER_EQUAL);
+  return VerifyVersionInfoA(&wanted, VER_MAJORVERSION | VER_MINORVERSION, condition) != FALSE;
 }
 
 PropertyMap performanceProperties(const PERFORMANCE_INFORMATION& info) {
@@ -58,7 +54,7 @@ PropertyMap performanceProperties(const PERFORMANCE_INFORMATION& info) {
 
 PropertyMap OSPerformanceParams::getPerformanceProperties() {
   if (!hasPerformanceInformation()) return PropertyMap();
-  HMODULE psapi = LoadLibraryExA("psapi.dll", nullptr, kLoadWithAlteredSearchPath);
+  HMODULE psapi = LoadLibraryExA("psapi.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
   if (!psapi) return PropertyMap();
   PropertyMap values;
   auto getPerformanceInfo = reinterpret_cast<GetPerformanceInfoFunction>(

@@ -16,14 +16,7 @@ using namespace NZARVEK20;
 
 namespace {
 
-constexpr DWORD kWin32Nt = 2;
-constexpr BYTE kWorkstation = 1, kDomainController = 2, kServer = 3;
-constexpr WORD kSuitePersonal = 0x200;
-constexpr WORD kItanium = 6, kX64 = 9;
-constexpr DWORD kHpcProduct = 18;
 constexpr unsigned short kSmallBusinessSubType = 13;
-constexpr REGSAM kKeyRead = 0x20019;
-constexpr LONG kMoreData = 234;
 constexpr DWORD kMarkerBuffer = 1024;
 constexpr DWORD kTextBufferStep = 1024;
 
@@ -68,16 +61,16 @@ struct SuiteEdition {
   WORD suite;
   const char* edition;
 };
-const std::vector<SuiteEdition> k52Suites = {{0x80, "Datacenter Edition"},
-                                             {0x2, "Enterprise Edition"},
-                                             {0x400, "Web Edition"},
-                                             {0x1, "Small Business Edition"}};
-const std::vector<SuiteEdition> k50Suites = {{0x80, "Datacenter Server"},
-                                             {0x2, "Advanced Server"}};
-const std::vector<SuiteEdition> k6Suites = {{0x80, "Datacenter Edition"},
-                                            {0x2, "Enterprise Edition"},
-                                            {0x400, "Web Edition"},
-                                            {0x1, "Small Business Edition"},
+const std::vector<SuiteEdition> k52Suites = {{VER_SUITE_DATACENTER, "Datacenter Edition"},
+                                             {VER_SUITE_ENTERPRISE, "Enterprise Edition"},
+                                             {VER_SUITE_BLADE, "Web Edition"},
+                                             {VER_SUITE_SMALLBUSINESS, "Small Business Edition"}};
+const std::vector<SuiteEdition> k50Suites = {{VER_SUITE_DATACENTER, "Datacenter Server"},
+                                             {VER_SUITE_ENTERPRISE, "Advanced Server"}};
+const std::vector<SuiteEdition> k6Suites = {{VER_SUITE_DATACENTER, "Datacenter Edition"},
+                                            {VER_SUITE_ENTERPRISE, "Enterprise Edition"},
+                                            {VER_SUITE_BLADE, "Web Edition"},
+                                            {VER_SUITE_SMALLBUSINESS, "Small Business Edition"},
                                             {0x20, "Small Business Edition Restricted"}};
 
 const char* suiteEdition(WORD mask, const std::vector<SuiteEdition>& rows) {
@@ -95,7 +88,8 @@ typedef BOOL(WINAPI* GetProductInfoFunction)(DWORD, DWORD, DWORD, DWORD, DWORD*)
 bool has64BitProcessor() {
   SYSTEM_INFO info = {};
   GetSystemInfo(&info);
-  return info.wProcessorArchitecture == kItanium || info.wProcessorArchitecture == kX64;
+  return info.wProcessorArchitecture == PROCESSOR_ARCHITECTURE_IA64 ||
+         info.wProcessorArchitecture == PROCESSOR_ARCHITECTURE_AMD64;
 }
 
 bool is64BitSystem() { return runsUnderWow64() || has64BitProcessor(); }
@@ -113,9 +107,9 @@ DWORD productType(const OSVERSIONINFOEXA& info) {
 }
 
 std::string workstationEdition(const OSVERSIONINFOEXA& info) {
-  std::string edition = info.dwMajorVersion == 4                ? "Workstation 4.0"
-                        : (info.wSuiteMask & kSuitePersonal) != 0 ? "Home Edition"
-                                                                  : "Professional";
+  std::string edition = info.dwMajorVersion == 4                      ? "Workstation 4.0"
+                        : (info.wSuiteMask & VER_SUITE_PERSONAL) != 0 ? "Home Edition"
+                                                                      : "Professional";
   if (isVersion(info, 6, 1)) {
     auto product = kWorkstationProducts.find(productType(info));
     if (product != kWorkstationProducts.end()) edition = product->second;
@@ -132,7 +126,7 @@ std::string serverEdition(const OSVERSIONINFOEXA& info) {
     if (!edition) edition = "Server";
   } else if (info.dwMajorVersion == 6 && info.dwMinorVersion <= 2) {
     edition = suiteEdition(info.wSuiteMask, k6Suites);
-    if (!edition && productType(info) == kHpcProduct) edition = "HPC Edition";
+    if (!edition && productType(info) == PRODUCT_CLUSTER_SERVER) edition = "HPC Edition";
   }
   return edition ? edition : "Standard Edition";
 }
@@ -141,7 +135,7 @@ std::string serverEdition(const OSVERSIONINFOEXA& info) {
 // value doesn't fit; empty when the key or the value can't be read.
 std::string readCurrentVersionText(const char* name) {
   HKEY key = nullptr;
-  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, constants::kCurrentVersionKey, 0, kKeyRead, &key) !=
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, constants::kCurrentVersionKey, 0, KEY_READ, &key) !=
       ERROR_SUCCESS)
     return std::string();
   std::string text;
@@ -150,7 +144,7 @@ std::string readCurrentVersionText(const char* name) {
     DWORD size = 0;
     LONG status = RegQueryValueExA(key, name, nullptr, nullptr,
                                    reinterpret_cast<LPBYTE>(buffer.data()), &size);
-    while (status == kMoreData) {
+    while (status == ERROR_MORE_DATA) {
       size += kTextBufferStep;
       // One byte more than announced, so that the text always ends.
       buffer.assign(size + 1, '\0');
@@ -222,7 +216,7 @@ unsigned short OSProductInfo::getOSType(const OSVERSIONINFOEXA& info) {
 
 unsigned short OSProductInfo::typeOf52(const OSVERSIONINFOEXA& info, unsigned short type,
                                        bool r2) {
-  if (info.wProductType == kWorkstation) return 71;
+  if (info.wProductType == VER_NT_WORKSTATION) return 71;
   if (!is64BitSystem()) return type;
   return r2 ? 73 : 70;
 }
@@ -230,7 +224,7 @@ unsigned short OSProductInfo::typeOf52(const OSVERSIONINFOEXA& info, unsigned sh
 unsigned short OSProductInfo::typeOf60(const OSVERSIONINFOEXA& info) {
   logger->logDebug(constants::kVistaDetected);
   unsigned short type;
-  if (info.wProductType == kWorkstation) {
+  if (info.wProductType == VER_NT_WORKSTATION) {
     type = is64BitSystem() ? 75 : 74;
   } else {
     logger->logTrace(constants::kLonghornDetected);
@@ -244,14 +238,14 @@ unsigned short OSProductInfo::typeOf60(const OSVERSIONINFOEXA& info) {
 }
 
 unsigned short OSProductInfo::typeOf61(const OSVERSIONINFOEXA& info) {
-  if (info.wProductType != kWorkstation)
+  if (info.wProductType != VER_NT_WORKSTATION)
     return getOSSubType(info) == kSmallBusinessSubType ? 84 : 82;
   if (!isPreinstallationEnvironment()) return 83;
   return has64BitProcessor() ? 80 : 79;
 }
 
 unsigned short OSProductInfo::typeOf62(const OSVERSIONINFOEXA& info, unsigned short type) {
-  if (info.wProductType == kWorkstation) return 85;
+  if (info.wProductType == VER_NT_WORKSTATION) return 85;
   if (!is64BitSystem()) return type;
   // Programs that don't declare the later systems are told 6.2 there; the
   // registry's CurrentVersion still tells them apart.
@@ -266,9 +260,9 @@ unsigned short OSProductInfo::getOSSubType(const OSVERSIONINFOEXA& info) {
 }
 
 std::string OSProductInfo::getEditionName(const OSVERSIONINFOEXA& info) {
-  if (info.dwPlatformId != kWin32Nt) return std::string();
-  if (info.wProductType == kWorkstation) return workstationEdition(info);
-  if (info.wProductType == kDomainController || info.wProductType == kServer)
+  if (info.dwPlatformId != VER_PLATFORM_WIN32_NT) return std::string();
+  if (info.wProductType == VER_NT_WORKSTATION) return workstationEdition(info);
+  if (info.wProductType == VER_NT_DOMAIN_CONTROLLER || info.wProductType == VER_NT_SERVER)
     return serverEdition(info);
   return std::string();
 }

@@ -23,8 +23,6 @@ namespace {
 constexpr DWORD kPathBuffer = 2048;
 // The counter information and the texts it points to.
 constexpr DWORD kCounterInfoSize = 2048 + 112;
-constexpr unsigned int kMoreData = 0x800007D2;
-constexpr DWORD kFormatLong = 0x100, kFormatDouble = 0x200, kFormatLarge = 0x400;
 // The value before any read: -1 in its low 32 bits.
 constexpr LONGLONG kNoValue = 0xFFFFFFFFLL;
 constexpr LONG kDaylightHour = -60;
@@ -32,9 +30,12 @@ constexpr LONG kDaylightHour = -60;
 // The format that suits the counter's size and kind.
 DWORD formatOf(DWORD counterType) {
   switch (counterType & 0x300) {
-    case 0x100: return kFormatLarge;
-    case 0x300: return kFormatDouble;
-    default: return kFormatLong;
+    case 0x100:
+      return PDH_FMT_LARGE;
+    case 0x300:
+      return PDH_FMT_DOUBLE;
+    default:
+      return PDH_FMT_LONG;
   }
 }
 
@@ -49,7 +50,7 @@ std::string makeCounterPath(OSTimeInfo& reporter) {
   std::vector<char> path(size + 1, '\0');
   unsigned int status = PdhMakeCounterPathA(&elements, path.data(), &size, 0);
   reporter.reportPdhStatus(status);
-  if (status == kMoreData) {
+  if (status == PDH_MORE_DATA) {
     path.assign(size + 1, '\0');
     status = PdhMakeCounterPathA(&elements, path.data(), &size, 0);
     reporter.reportPdhStatus(status);

@@ -18,7 +18,6 @@ using namespace NZARVEK20;
 
 namespace {
 
-constexpr DWORD kLoadWithAlteredSearchPath = 8;
 constexpr ULONG kSystemPageFileInformation = 18;
 constexpr LONG kStatusInfoLengthMismatch = static_cast<LONG>(0xC0000004);
 constexpr ULONG kBufferStep = 65536;
@@ -126,7 +125,7 @@ PropertyMap PageFileInfo::buildPageFileProperties(const std::string& name, unsig
 
 int PageFileInfo::getCIMInstances() {
   const std::unique_ptr<std::remove_pointer_t<HMODULE>, decltype(&FreeLibrary)> psapi(
-      LoadLibraryExA("psapi.dll", nullptr, kLoadWithAlteredSearchPath), &FreeLibrary);
+      LoadLibraryExA("psapi.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH), &FreeLibrary);
   if (!psapi) return 0;
   try {
     const PageFileList pages = getPagefileInfo(psapi.get());

@@ -10,14 +10,18 @@
 #include <unordered_map>
 #include <vector>
 
+#include "common/open_addressing.h"
 #include "host/cim_interfaces.h"
 #include "vrxcore/cim_name.h"
-#include "vrxcore/path_index.h"
 
 namespace NZARVEK20 {
 
 class TRepositoryClass;
 class TRepositoryInstance;
+
+// Committed instances by the hash of their path: a commit among a hundred thousand instances
+// reads one slot, not a chain of nodes, and no path is held twice as text.
+using TPathIndex = common::OpenAddressing<TRepositoryInstance>;
 
 class TRepositoryNamespace : public ICIMNamespace,
                              public boost::enable_shared_from_this<TRepositoryNamespace> {
@@ -62,15 +66,14 @@ class TRepositoryNamespace : public ICIMNamespace,
   void Store(boost::shared_ptr<TRepositoryInstance> instance);
 
  private:
-
   explicit TRepositoryNamespace(const std::string& name) : name_(name) {}
   // The path as this namespace spells it, so that lookups ignore the case
   // of names but not of values.
   std::string IndexKey(const TCIMReference& path) const;
   // The entry of the instance whose path IndexKey spells `key`, or nullptr.
-  TPathIndex::TSlot* Lookup(const std::string& key);
+  TPathIndex::Slot* Lookup(const std::string& key);
   // The entry of the instance at `path`; throws (NOT_FOUND) when there is none.
-  TPathIndex::TSlot& Find(const TCIMReference& path);
+  TPathIndex::Slot& Find(const TCIMReference& path);
   std::vector<boost::shared_ptr<ICIMInstance>>::iterator PositionOf(const ICIMInstance* instance);
 
   std::string name_;

@@ -131,8 +131,8 @@ std::string TRepositoryNamespace::IndexKey(const TCIMReference& path) const {
   return TCIMReference(cimClass->GetName({}), std::move(keys)).ToString();
 }
 
-TPathIndex::TSlot* TRepositoryNamespace::Lookup(const std::string& key) {
-  return index_.Find(std::hash<std::string>()(key),
+TPathIndex::Slot* TRepositoryNamespace::Lookup(const std::string& key) {
+  return index_.find(std::hash<std::string>()(key),
                      [&](TRepositoryInstance& instance) { return ownKey(instance) == key; });
 }
 
@@ -140,13 +140,13 @@ void TRepositoryNamespace::Store(boost::shared_ptr<TRepositoryInstance> instance
   const std::string key = ownKey(*instance);
   if (Lookup(key)) fail(VRX_ALREADY_EXISTS, key);
   instance->MarkCommitted();
-  index_.Insert(std::hash<std::string>()(key), instance.get());
+  index_.insert(std::hash<std::string>()(key), instance.get());
   instances_.push_back(instance);
   for (const auto& subscriber : subscribers_) subscriber(instance);
 }
 
-TPathIndex::TSlot& TRepositoryNamespace::Find(const TCIMReference& path) {
-  TPathIndex::TSlot* entry = Lookup(IndexKey(path));
+TPathIndex::Slot& TRepositoryNamespace::Find(const TCIMReference& path) {
+  TPathIndex::Slot* entry = Lookup(IndexKey(path));
   if (!entry) fail(VRX_NOT_FOUND, path.ToString());
   return *entry;
 }
@@ -159,13 +159,13 @@ std::vector<boost::shared_ptr<ICIMInstance>>::iterator TRepositoryNamespace::Pos
 
 boost::shared_ptr<ICIMInstance> TRepositoryNamespace::GetInstance(const TCIMReference& path,
                                                                   TCIMOptions) {
-  return Find(path).instance->shared_from_this();
+  return Find(path).item->shared_from_this();
 }
 
 void TRepositoryNamespace::DeleteInstance(const TCIMReference& path, TCIMOptions) {
-  TPathIndex::TSlot& entry = Find(path);
-  instances_.erase(PositionOf(entry.instance));
-  index_.Erase(&entry);
+  TPathIndex::Slot& entry = Find(path);
+  instances_.erase(PositionOf(entry.item));
+  index_.erase(&entry);
 }
 
 void TRepositoryNamespace::ModifyInstance(boost::shared_ptr<ICIMInstance> instance, TCIMOptions) {
@@ -173,10 +173,10 @@ void TRepositoryNamespace::ModifyInstance(boost::shared_ptr<ICIMInstance> instan
   if (!replacement || replacement->IsCommitted({}))
     fail(VRX_INVALID_PARAMETER, "ModifyInstance takes a new, uncommitted instance");
   replacement->CheckKeys();
-  TPathIndex::TSlot& entry = Find(replacement->GetReference({}));
+  TPathIndex::Slot& entry = Find(replacement->GetReference({}));
   replacement->MarkCommitted();
-  *PositionOf(entry.instance) = replacement;
-  entry.instance = replacement.get();
+  *PositionOf(entry.item) = replacement;
+  entry.item = replacement.get();
 }
 
 void TRepositoryNamespace::ExecuteQuery(const std::string& query, const TInstanceCallback& callback,
@@ -192,7 +192,7 @@ void TRepositoryNamespace::ExecuteQuery(const std::string& query, const TInstanc
 
 void TRepositoryNamespace::ClearInstances(TCIMOptions) {
   instances_.clear();
-  index_.Clear();
+  index_.clear();
 }
 
 }  // namespace NZARVEK20

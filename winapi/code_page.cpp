@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr UINT kThreadAcp = 3;  // CP_THREAD_ACP: the same page as CP_ACP here
 constexpr DWORD kMultiByteFlags =
     0x0000000F;  // MB_PRECOMPOSED, MB_COMPOSITE, MB_USEGLYPHCHARS, MB_ERR_INVALID_CHARS
 // WC_DISCARDNS … WC_NO_BEST_FIT_CHARS; WC_ERR_INVALID_CHARS belongs to UTF-8 alone.
@@ -21,8 +20,9 @@ constexpr DWORD kWideCharFlags = 0x00000670;
 const char kUtf8Default[] = "\xEF\xBF\xBD";  // U+FFFD
 
 UINT resolve(UINT codePage) {
-  return codePage == CP_ACP || codePage == kThreadAcp ? winapi::currentMachine().ansiCodePage()
-                                                      : codePage;
+  // CP_THREAD_ACP: the same page as CP_ACP here.
+  return codePage == CP_ACP || codePage == CP_THREAD_ACP ? winapi::currentMachine().ansiCodePage()
+                                                         : codePage;
 }
 
 int fail(DWORD error) {

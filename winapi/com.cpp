@@ -15,8 +15,6 @@ namespace {
 
 // COINIT_APARTMENTTHREADED, COINIT_DISABLE_OLE1DDE, COINIT_SPEED_OVER_MEMORY.
 constexpr DWORD kCoInitFlags = 0x0000000E;
-constexpr DWORD kLastAuthnLevel = 6;  // RPC_C_AUTHN_LEVEL_PKT_PRIVACY
-constexpr DWORD kLastImpLevel = 4;    // RPC_C_IMP_LEVEL_DELEGATE
 
 // This thread's part in COM: how often it joined, not yet matched by CoUninitialize, and the
 // threading model it joined with.
@@ -29,7 +27,7 @@ thread_local Apartment apartment;
 std::atomic<bool> securitySet{false};
 
 bool validLevels(DWORD authnLevel, DWORD impLevel) {
-  return authnLevel <= kLastAuthnLevel && impLevel <= kLastImpLevel;
+  return authnLevel <= RPC_C_AUTHN_LEVEL_PKT_PRIVACY && impLevel <= RPC_C_IMP_LEVEL_DELEGATE;
 }
 
 }  // namespace

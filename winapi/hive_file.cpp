@@ -109,9 +109,7 @@ class HiveCopier {
     std::size_t size = 0;
     Owned<char> data(hivex_value_value(hive_.get(), value, &type, &size));
     if (!data || size != 4) return std::nullopt;
-    std::uint32_t result;
-    std::memcpy(&result, data.get(), 4);
-    return result;
+    return littleEndian({data.get(), 4}, 0, 4);
   }
 
   void copy(hive_node_h node, RegistryKey& target, const std::string& path, int depth) {
@@ -170,8 +168,9 @@ class HiveCopier {
     const std::size_t cell = hivex_value_data_cell_offset(hive_.get(), value, &cellLength);
     const std::string& hive = fileBytes(path);
     auto number = [&](std::size_t at, std::size_t width) {
-      if (at + width > hive.size()) fail(path, "a value whose data lies outside the hive");
-      return littleEndian(hive, at, width);
+      std::optional<std::uint32_t> found = littleEndianWithin(hive, at, width);
+      if (!found) fail(path, "a value whose data lies outside the hive");
+      return *found;
     };
     if (hive.compare(std::min(cell + 4, hive.size()), 2, "db") != 0)
       fail(path, "a long value without its segment list");

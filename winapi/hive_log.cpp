@@ -36,12 +36,8 @@ constexpr std::uint32_t kLockedFlag = 1;
 
 std::uint32_t number(std::string_view bytes, std::size_t at) { return littleEndian(bytes, at, 4); }
 
-std::uint64_t number64(std::string_view bytes, std::size_t at) {
-  return number(bytes, at) | std::uint64_t{number(bytes, at + 4)} << 32;
-}
-
 void setNumber(std::string& bytes, std::size_t at, std::uint32_t value) {
-  for (std::size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<char>(value >> (8 * i));
+  putLittleEndian(bytes, at, value, 4);
 }
 
 std::uint32_t xorOfWords(std::string_view baseBlock) {
@@ -161,8 +157,9 @@ std::optional<LogEntry> entryAt(const Log& log, std::size_t at, std::size_t maxB
   parsed.flags = number(entry, kEntryFlags);
   parsed.log = log.position;
   if (!isBinsSize(parsed.binsSize, maxBinsSize) ||
-      marvin32(entry.substr(kEntryHeader), kEntrySeed) != number64(entry, kEntryDataHash) ||
-      marvin32(entry.substr(0, kEntryHeadHash), kEntrySeed) != number64(entry, kEntryHeadHash) ||
+      marvin32(entry.substr(kEntryHeader), kEntrySeed) != littleEndian64(entry, kEntryDataHash) ||
+      marvin32(entry.substr(0, kEntryHeadHash), kEntrySeed) !=
+          littleEndian64(entry, kEntryHeadHash) ||
       !readPages(entry, parsed))
     return std::nullopt;
   return parsed;

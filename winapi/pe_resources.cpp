@@ -46,8 +46,7 @@ class Bytes {
 
  private:
   std::optional<std::uint32_t> read(std::uint64_t offset, std::size_t size) const {
-    if (!holds(offset, size)) return std::nullopt;
-    return littleEndian(bytes_, offset, size);
+    return littleEndianWithin(bytes_, offset, size);
   }
 
   std::string_view bytes_;

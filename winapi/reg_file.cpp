@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "winapi/code_pages.h"
+#include "winapi/little_endian.h"
 #include "winapi/machine.h"
 #include "winapi/machine_file.h"
 #include "winapi/parallel.h"
@@ -252,9 +253,8 @@ class Parser {
       auto number = hexNumber(text, digits, 8);
       if (!number) fail(statement, at + 6, "expected 1 to 8 hex digits after dword:");
       expectEnd(statement, digits);
-      std::string bytes;
-      for (int shift = 0; shift < 32; shift += 8)
-        bytes.push_back(static_cast<char>(*number >> shift));
+      std::string bytes(4, '\0');
+      putLittleEndian(bytes, 0, *number, 4);
       return RegistryValue{{}, REG_DWORD, bytes};
     }
     if (hasPrefix(text, at, L"hex")) {

@@ -161,8 +161,7 @@ std::optional<std::int64_t> registryShutdownTime(const Registry& registry) {
   auto stopped =
       bytesAt(registry.root(Hive::LocalMachine), below(kControl, {L"Windows"}), L"ShutdownTime", 8);
   if (!stopped) return std::nullopt;
-  std::uint64_t fileTime =
-      std::uint64_t{littleEndian(*stopped, 4, 4)} << 32 | littleEndian(*stopped, 0, 4);
+  std::uint64_t fileTime = littleEndian64(*stopped, 0);
   if (fileTime == 0) return std::nullopt;
   return millisecondsFromFileTime(fileTime);
 }

@@ -138,54 +138,18 @@ std::size_t foldedHash(std::wstring_view name) {
   return hash ^ (hash >> 32);
 }
 
+auto sameName(std::wstring_view name) {
+  return [name](const RegistryKey& key) { return equalsIgnoringCase(key.name(), name); };
+}
+
 }  // namespace
 
-RegistryKey* RegistryKey::SubKeyIndex::find(std::wstring_view name) const {
-  if (size_ == 0) return nullptr;
-  std::size_t hash = foldedHash(name);
-  for (std::size_t at = home(hash); slots_[at].key; at = next(at))
-    if (slots_[at].hash == hash && equalsIgnoringCase(slots_[at].key->name(), name))
-      return slots_[at].key;
-  return nullptr;
+RegistryKey* RegistryKey::indexedSubKey(std::wstring_view name) const {
+  const SubKeyIndex::Slot* slot = subKeyIndex_.find(foldedHash(name), sameName(name));
+  return slot ? slot->item : nullptr;
 }
 
-void RegistryKey::SubKeyIndex::insert(RegistryKey* key) {
-  if (2 * (size_ + 1) > slots_.size()) {
-    std::vector<Slot> old(std::max<std::size_t>(8, 2 * slots_.size()), Slot{0, nullptr});
-    old.swap(slots_);
-    for (const Slot& slot : old)
-      if (slot.key) place(slot);
-  }
-  place({foldedHash(key->name()), key});
-  ++size_;
-}
-
-void RegistryKey::SubKeyIndex::place(Slot slot) {
-  std::size_t at = home(slot.hash);
-  while (slots_[at].key) at = next(at);
-  slots_[at] = slot;
-}
-
-void RegistryKey::SubKeyIndex::erase(const RegistryKey* key) {
-  std::size_t hole = home(foldedHash(key->name()));
-  while (slots_[hole].key != key) hole = next(hole);
-  // The slots after the hole, up to a free one, move back into it when their home allows, so that
-  // every key stays reachable from its home without passing a free slot.
-  for (std::size_t at = next(hole); slots_[at].key; at = next(at)) {
-    std::size_t want = home(slots_[at].hash);
-    bool reachable = hole <= at ? (want <= hole || want > at) : (want <= hole && want > at);
-    if (reachable) {
-      slots_[hole] = slots_[at];
-      hole = at;
-    }
-  }
-  slots_[hole] = Slot{0, nullptr};
-  --size_;
-}
-
-const RegistryKey* RegistryKey::subKey(std::wstring_view name) const {
-  return subKeyIndex_.find(name);
-}
+const RegistryKey* RegistryKey::subKey(std::wstring_view name) const { return indexedSubKey(name); }
 
 void RegistryKey::indexValues() const {
   valueIndex_.clear();
@@ -227,7 +191,7 @@ RegistryKey* RegistryKey::find(const RegistryPath& path) {
 }
 
 RegistryKey& RegistryKey::makeSubKey(std::wstring_view name) {
-  if (RegistryKey* found = subKeyIndex_.find(name)) return *found;
+  if (RegistryKey* found = indexedSubKey(name)) return *found;
   return adopt(std::make_unique<RegistryKey>(std::wstring(name)));
 }
 
@@ -250,7 +214,7 @@ RegistryKey& RegistryKey::adopt(std::unique_ptr<RegistryKey> key) {
   RegistryKey* adopted = subKeys_.back().get();
   longestSubKeyName_ = std::max(longestSubKeyName_, adopted->name().size());
   subKeyNamesAscii_ = subKeyNamesAscii_ && isAscii(adopted->name());
-  subKeyIndex_.insert(adopted);
+  subKeyIndex_.insert(foldedHash(adopted->name()), adopted);
   if (sorted_ && subKeys_.size() > 1)
     sorted_ = compareIgnoringCase(subKeys_[subKeys_.size() - 2]->name(), adopted->name()) < 0;
   return *adopted;
@@ -260,7 +224,7 @@ void RegistryKey::absorb(RegistryKey&& other) {
   for (RegistryValue& value : other.values_) setValue(std::move(value));
   // A sub-key new here comes over whole, with everything below it.
   for (std::unique_ptr<RegistryKey>& subKey : other.subKeys_) {
-    if (RegistryKey* found = subKeyIndex_.find(subKey->name()))
+    if (RegistryKey* found = indexedSubKey(subKey->name()))
       found->absorb(std::move(*subKey));
     else
       adopt(std::move(subKey));
@@ -273,9 +237,10 @@ void RegistryKey::absorb(RegistryKey&& other) {
 }
 
 void RegistryKey::removeSubKey(std::wstring_view name) {
-  const RegistryKey* removed = subKeyIndex_.find(name);
-  if (!removed) return;
-  subKeyIndex_.erase(removed);
+  SubKeyIndex::Slot* slot = subKeyIndex_.find(foldedHash(name), sameName(name));
+  if (!slot) return;
+  const RegistryKey* removed = slot->item;
+  subKeyIndex_.erase(slot);
   subKeyNamesKnown_ = false;
   subKeys_.erase(
       std::find_if(subKeys_.begin(), subKeys_.end(),
@@ -296,9 +261,10 @@ void RegistryKey::setValue(RegistryValue value) {
 void RegistryKey::removeValue(std::wstring_view name) {
   std::optional<RegistryName> known = RegistryName::known(name);
   if (!known) return;
-  values_.erase(std::remove_if(values_.begin(), values_.end(),
-                               [&](const RegistryValue& value) { return value.name.sameAs(*known); }),
-                values_.end());
+  values_.erase(
+      std::remove_if(values_.begin(), values_.end(),
+                     [&](const RegistryValue& value) { return value.name.sameAs(*known); }),
+      values_.end());
   valueIndex_.clear();
 }
 

@@ -14,6 +14,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "common/open_addressing.h"
 #include "winapi/registry_name.h"
 
 namespace winapi {
@@ -95,28 +96,10 @@ class RegistryKey {
   void sortSubKeys() const;
   RegistryKey& adopt(std::unique_ptr<RegistryKey> key);
 
-  // Sub-keys by the hash of their upper-cased names, in open addressing: a lookup in a key of a
-  // hundred thousand sub-keys reads one slot and the name it leads to, and copies nothing.
-  class SubKeyIndex {
-   public:
-    RegistryKey* find(std::wstring_view name) const;
-    // `key` is not in the index yet.
-    void insert(RegistryKey* key);
-    void erase(const RegistryKey* key);
-    void clear() { *this = SubKeyIndex(); }
-
-   private:
-    struct Slot {
-      std::size_t hash;
-      RegistryKey* key;  // nullptr: free
-    };
-    std::size_t home(std::size_t hash) const { return hash & (slots_.size() - 1); }
-    std::size_t next(std::size_t at) const { return (at + 1) & (slots_.size() - 1); }
-    void place(Slot slot);
-
-    std::vector<Slot> slots_;  // a power of two, at most half of them taken
-    std::size_t size_ = 0;
-  };
+  // Sub-keys by the hash of their upper-cased names: a lookup in a key of a hundred thousand
+  // sub-keys reads one slot and the name it leads to, and copies nothing.
+  using SubKeyIndex = common::OpenAddressing<RegistryKey>;
+  RegistryKey* indexedSubKey(std::wstring_view name) const;
 
   std::wstring name_;
   mutable SubKeys subKeys_;

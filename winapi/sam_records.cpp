@@ -71,10 +71,6 @@ constexpr FlagPair kFlags[] = {
     {0x100000, 0x4000000},  // partial secrets account
 };
 
-std::uint64_t fileTimeAt(std::string_view bytes, std::size_t at) {
-  return std::uint64_t{littleEndian(bytes, at + 4, 4)} << 32 | littleEndian(bytes, at, 4);
-}
-
 [[noreturn]] void refuse(const char* record, const std::string& problem) {
   throw SamRecordError(std::string(record) + " record: " + problem);
 }
@@ -112,8 +108,8 @@ SamFixedRecord readSamFixedRecord(std::string_view bytes) {
     refuse("F", std::to_string(bytes.size()) + " bytes, fewer than the " +
                     std::to_string(kFixedSize) + " of its layout");
   SamFixedRecord record;
-  record.lastLogon = fileTimeAt(bytes, kLastLogonAt);
-  record.passwordLastSet = fileTimeAt(bytes, kPasswordLastSetAt);
+  record.lastLogon = littleEndian64(bytes, kLastLogonAt);
+  record.passwordLastSet = littleEndian64(bytes, kPasswordLastSetAt);
   record.accountControl = littleEndian(bytes, kAccountControlAt, 4);
   record.countryCode = static_cast<std::uint16_t>(littleEndian(bytes, kCountryCodeAt, 2));
   return record;

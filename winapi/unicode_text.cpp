@@ -1,6 +1,7 @@
 #include "winapi/unicode_text.h"
 
 #include "winapi/code_pages.h"
+#include "winapi/little_endian.h"
 
 namespace winapi {
 
@@ -9,7 +10,7 @@ namespace {
 constexpr wchar_t kReplacement = 0xFFFD;
 
 unsigned unitAt(const unsigned char* bytes, std::size_t index) {
-  return bytes[2 * index] | (bytes[2 * index + 1] << 8);
+  return littleEndian({reinterpret_cast<const char*>(bytes + 2 * index), 2}, 0, 2);
 }
 
 bool isHighSurrogate(unsigned unit) { return unit >= 0xD800 && unit < 0xDC00; }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "winapi/little_endian.h"
 #include "winapi/text.h"
 #include "winapi/unicode_text.h"
 
@@ -16,7 +17,9 @@ constexpr std::size_t kHeaderSize = 6;
 constexpr char kSignature[4] = {'F', 'E', '2', 'X'};
 constexpr unsigned kTextType = 1;
 
-unsigned word(const unsigned char* at) { return at[0] | (at[1] << 8); }
+unsigned word(const unsigned char* at) {
+  return littleEndian({reinterpret_cast<const char*>(at), 2}, 0, 2);
+}
 
 std::size_t aligned(std::size_t offset) { return (offset + 3) & ~std::size_t{3}; }
 

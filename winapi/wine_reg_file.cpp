@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "winapi/code_pages.h"
+#include "winapi/little_endian.h"
 #include "winapi/machine.h"
 #include "winapi/reg_text.h"
 #include "winapi/windows.h"
@@ -55,8 +56,8 @@ std::wstring joinSurrogates(const std::wstring& units) {
 
 // REG_DWORD data: little-endian.
 std::string dwordBytes(std::uint32_t value) {
-  std::string data;
-  for (int shift = 0; shift < 32; shift += 8) data.push_back(static_cast<char>(value >> shift));
+  std::string data(4, '\0');
+  putLittleEndian(data, 0, value, 4);
   return data;
 }
 

@@ -6,4 +6,5 @@
 #include "frame/platform.h"
 
 #include <pdh.h>
+#include <pdhmsg.h>
 #include <psapi.h>

@@ -7,6 +7,7 @@
 #include "tests/winapi/reg_text_values.h"
 #include "tests/winapi/test_hive.h"
 #include "tests/winapi/test_sam.h"
+#include "winapi/little_endian.h"
 
 namespace {
 
@@ -19,15 +20,16 @@ const std::string kBootManager = "{9dea862c-5cdd-4e70-acc1-f32b344d4795}";
 const std::string kInstalled = "{3b4e5d4a-1111-11e0-9a6c-806e6f6e6963}";
 
 std::string words(std::initializer_list<unsigned> values) {
-  std::string bytes;
-  for (unsigned value : values) bytes += std::string{char(value & 0xFF), char(value >> 8)};
+  std::string bytes(2 * values.size(), '\0');
+  for (std::size_t at = 0; at < bytes.size(); at += 2)
+    winapi::putLittleEndian(bytes, at, values.begin()[at / 2], 2);
   return bytes;
 }
 
 std::string fileTimeBytes(const std::string& utc) {
   std::uint64_t fileTime = winapi::fileTimeOf(utc);
-  std::string bytes;
-  for (int i = 0; i < 8; ++i) bytes += static_cast<char>(fileTime >> (8 * i));
+  std::string bytes(8, '\0');
+  winapi::putLittleEndian(bytes, 0, fileTime, 8);
   return bytes;
 }
 
@@ -219,12 +221,24 @@ TEST_F(WindowsVolume, TheZoneAndTheClockAreTheMachinesAtShutdown) {
   const Case cases[] = {
       // Eastern in July: daylight time, four hours west.
       {{"summer", kWin10, "WinNT", {}, "AMD64", eastern(true), "2026-07-04T16:00:00Z"},
-       "Eastern Daylight Time", "-240", "20260704160000.000000+000", 2, "-240"},
+       "Eastern Daylight Time",
+       "-240",
+       "20260704160000.000000+000",
+       2,
+       "-240"},
       {{"winter", kWin10, "WinNT", {}, "AMD64", eastern(false), "2026-01-10T03:00:00Z"},
-       "Eastern Daylight Time", "-300", "20260110030000.000000+000", 2, "-300"},
+       "Eastern Daylight Time",
+       "-300",
+       "20260110030000.000000+000",
+       2,
+       "-300"},
       // A zone without daylight time is in neither state, and the boot time's offset is then 0.
       {{"tokyo", kWin10, "WinNT", {}, "AMD64", kTokyo, "2026-01-10T03:00:00Z"},
-       "Tokyo Standard Time", "+540", "20260110030000.000000+000", 1, "+000"},
+       "Tokyo Standard Time",
+       "+540",
+       "20260110030000.000000+000",
+       1,
+       "+000"},
   };
   for (const Case& c : cases) {
     const fs::path volume = make(c.windows);

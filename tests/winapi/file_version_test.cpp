@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "test_machine.h"
+#include "winapi/little_endian.h"
 #include "winapi/version_blocks.h"
 #include "winapi/windows.h"
 
@@ -19,7 +20,7 @@ const char* const kFixtureDlls[] = {
     "build_comment.dll",    "build_comment32.dll", "no_translation.dll", "leading_blank.dll",
     "description_only.dll", "strings_only.dll",    "no_resources.dll"};
 
-// A machine whose system directory holds the DLLs built from tests/winapi/pe.
+// A machine whose system directory holds the fixture DLLs made at build time.
 class FileVersion : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -154,8 +155,7 @@ std::string block(const std::string& key, const std::string& value, bool text,
   bytes += children;
   std::size_t valueLength = text ? value.size() / 2 : value.size();
   std::size_t length = bytes.size() + lengthChange;
-  bytes[0] = static_cast<char>(length & 0xFF);
-  bytes[1] = static_cast<char>(length >> 8);
+  winapi::putLittleEndian(bytes, 0, length, 2);
   bytes[2] = static_cast<char>(valueLength);
   bytes[4] = text ? 1 : 0;
   return bytes;

@@ -11,6 +11,7 @@
 #include "test_hive.h"
 #include "test_machine.h"
 #include "winapi/hive_file.h"
+#include "winapi/little_endian.h"
 #include "winapi/machine.h"
 #include "winapi/unicode_text.h"
 
@@ -237,16 +238,12 @@ TEST(HiveLog, ADescribedMachineKeepsTheWarningsOfItsHives) {
                 file + ": dirty hive without usable transaction logs; read as it stands"});
 }
 
-void put64(std::string& bytes, std::size_t at, std::uint64_t value) {
-  for (std::size_t i = 0; i < 8; ++i) bytes[at + i] = static_cast<char>(value >> (8 * i));
-}
-
 // Sets the last write of the key record ("nk") with that ASCII name.
 void setKeyTime(std::string& hive, const std::string& name, std::uint64_t time) {
   for (std::size_t at = hive.find("nk"); at != std::string::npos; at = hive.find("nk", at + 1))
     if (static_cast<unsigned char>(hive[at + 0x48]) == name.size() &&
         hive.compare(at + 0x4C, name.size(), name) == 0)
-      return put64(hive, at + 4, time);
+      return putLittleEndian(hive, at + 4, time, 8);
   FAIL() << "no key " << name;
 }
 

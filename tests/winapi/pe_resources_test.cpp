@@ -6,22 +6,14 @@
 #include <functional>
 #include <string>
 
+#include "winapi/little_endian.h"
 #include "winapi/windows.h"
 
 namespace {
 
 using winapi::findResource;
 using winapi::kVersionResourceType;
-
-void put16(std::string& image, std::size_t at, std::uint32_t value) {
-  image[at] = static_cast<char>(value);
-  image[at + 1] = static_cast<char>(value >> 8);
-}
-
-void put32(std::string& image, std::size_t at, std::uint32_t value) {
-  put16(image, at, value & 0xFFFF);
-  put16(image, at + 2, value >> 16);
-}
+using winapi::putLittleEndian;
 
 // Where the hand-made image keeps its parts.
 constexpr std::size_t kPeHeader = 0x40;
@@ -39,35 +31,35 @@ constexpr std::size_t kData = 0x58;
 std::string image(bool pe32Plus, const std::string& resource) {
   std::size_t optionalSize = pe32Plus ? 240 : 224;
   std::string bytes(kRaw + kData + resource.size(), '\0');
-  put16(bytes, 0, 0x5A4D);
-  put32(bytes, 0x3C, kPeHeader);
-  put32(bytes, kPeHeader, 0x00004550);
-  put16(bytes, kPeHeader + 4, pe32Plus ? 0x8664 : 0x14C);
-  put16(bytes, kPeHeader + 6, 1);  // sections
-  put16(bytes, kPeHeader + 20, static_cast<std::uint32_t>(optionalSize));
-  put16(bytes, kOptionalHeader, pe32Plus ? 0x20B : 0x10B);
+  putLittleEndian(bytes, 0, 0x5A4D, 2);
+  putLittleEndian(bytes, 0x3C, kPeHeader, 4);
+  putLittleEndian(bytes, kPeHeader, 0x00004550, 4);
+  putLittleEndian(bytes, kPeHeader + 4, pe32Plus ? 0x8664 : 0x14C, 2);
+  putLittleEndian(bytes, kPeHeader + 6, 1, 2);  // sections
+  putLittleEndian(bytes, kPeHeader + 20, static_cast<std::uint32_t>(optionalSize), 2);
+  putLittleEndian(bytes, kOptionalHeader, pe32Plus ? 0x20B : 0x10B, 2);
   std::size_t directories = kOptionalHeader + (pe32Plus ? 112 : 96);
-  put32(bytes, directories - 4, 16);
-  put32(bytes, directories + 16, kRsrcRva);
-  put32(bytes, directories + 20, static_cast<std::uint32_t>(kData + resource.size()));
+  putLittleEndian(bytes, directories - 4, 16, 4);
+  putLittleEndian(bytes, directories + 16, kRsrcRva, 4);
+  putLittleEndian(bytes, directories + 20, static_cast<std::uint32_t>(kData + resource.size()), 4);
   std::size_t section = kOptionalHeader + optionalSize;
   bytes.replace(section, 5, ".rsrc");
-  put32(bytes, section + 8, static_cast<std::uint32_t>(kData + resource.size()));
-  put32(bytes, section + 12, kRsrcRva);
-  put32(bytes, section + 16, static_cast<std::uint32_t>(kData + resource.size()));
-  put32(bytes, section + 20, kRaw);
+  putLittleEndian(bytes, section + 8, static_cast<std::uint32_t>(kData + resource.size()), 4);
+  putLittleEndian(bytes, section + 12, kRsrcRva, 4);
+  putLittleEndian(bytes, section + 16, static_cast<std::uint32_t>(kData + resource.size()), 4);
+  putLittleEndian(bytes, section + 20, kRaw, 4);
   const std::uint32_t subdirectory = 0x80000000;
-  put16(bytes, kRaw + 14, 1);
-  put32(bytes, kTypeEntry, kVersionResourceType);
-  put32(bytes, kTypeEntry + 4, subdirectory | kNameDirectory);
-  put16(bytes, kRaw + kNameDirectory + 14, 1);
-  put32(bytes, kRaw + kNameDirectory + 16, 1);
-  put32(bytes, kRaw + kNameDirectory + 20, subdirectory | kLanguageDirectory);
-  put16(bytes, kRaw + kLanguageDirectory + 14, 1);
-  put32(bytes, kLanguageEntry, 0x409);
-  put32(bytes, kLanguageEntry + 4, kDataEntry);
-  put32(bytes, kRaw + kDataEntry, kRsrcRva + kData);
-  put32(bytes, kRaw + kDataEntry + 4, static_cast<std::uint32_t>(resource.size()));
+  putLittleEndian(bytes, kRaw + 14, 1, 2);
+  putLittleEndian(bytes, kTypeEntry, kVersionResourceType, 4);
+  putLittleEndian(bytes, kTypeEntry + 4, subdirectory | kNameDirectory, 4);
+  putLittleEndian(bytes, kRaw + kNameDirectory + 14, 1, 2);
+  putLittleEndian(bytes, kRaw + kNameDirectory + 16, 1, 4);
+  putLittleEndian(bytes, kRaw + kNameDirectory + 20, subdirectory | kLanguageDirectory, 4);
+  putLittleEndian(bytes, kRaw + kLanguageDirectory + 14, 1, 2);
+  putLittleEndian(bytes, kLanguageEntry, 0x409, 4);
+  putLittleEndian(bytes, kLanguageEntry + 4, kDataEntry, 4);
+  putLittleEndian(bytes, kRaw + kDataEntry, kRsrcRva + kData, 4);
+  putLittleEndian(bytes, kRaw + kDataEntry + 4, static_cast<std::uint32_t>(resource.size()), 4);
   bytes.replace(kRaw + kData, resource.size(), resource);
   return bytes;
 }
@@ -90,37 +82,46 @@ TEST(PeResources, TellsWhatIsWrongWithAnImage) {
   } cases[] = {
       {"no MZ", [](std::string& b) { b[0] = 'X'; }, ERROR_RESOURCE_DATA_NOT_FOUND},
       {"cut in the headers", [](std::string& b) { b.resize(100); }, ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"PE header past the end", [](std::string& b) { put32(b, 0x3C, 0xFFFFFFF0); },
+      {"PE header past the end", [](std::string& b) { putLittleEndian(b, 0x3C, 0xFFFFFFF0, 4); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"unknown optional header", [](std::string& b) { put16(b, kOptionalHeader, 0x107); },
+      {"unknown optional header",
+       [](std::string& b) { putLittleEndian(b, kOptionalHeader, 0x107, 2); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"section table past the end", [](std::string& b) { put16(b, kPeHeader + 6, 0xFFFF); },
+      {"section table past the end",
+       [](std::string& b) { putLittleEndian(b, kPeHeader + 6, 0xFFFF, 2); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"optional header past the end", [](std::string& b) { put16(b, kPeHeader + 20, 0xFFFF); },
+      {"optional header past the end",
+       [](std::string& b) { putLittleEndian(b, kPeHeader + 20, 0xFFFF, 2); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"no resource directory", [&](std::string& b) { put32(b, resourceDirectory + 4, 0); },
+      {"no resource directory",
+       [&](std::string& b) { putLittleEndian(b, resourceDirectory + 4, 0, 4); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"resources in no section", [&](std::string& b) { put32(b, resourceDirectory, 0x9000); },
+      {"resources in no section",
+       [&](std::string& b) { putLittleEndian(b, resourceDirectory, 0x9000, 4); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"root entries past the section", [](std::string& b) { put16(b, kRaw + 14, 0x7FFF); },
+      {"root entries past the section",
+       [](std::string& b) { putLittleEndian(b, kRaw + 14, 0x7FFF, 2); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"no version type", [](std::string& b) { put32(b, kTypeEntry, 6); },
+      {"no version type", [](std::string& b) { putLittleEndian(b, kTypeEntry, 6, 4); },
        ERROR_RESOURCE_TYPE_NOT_FOUND},
-      {"type entry leads to data", [](std::string& b) { put32(b, kTypeEntry + 4, kNameDirectory); },
+      {"type entry leads to data",
+       [](std::string& b) { putLittleEndian(b, kTypeEntry + 4, kNameDirectory, 4); },
        ERROR_RESOURCE_TYPE_NOT_FOUND},
-      {"name directory outside", [](std::string& b) { put32(b, kTypeEntry + 4, 0x80FFFFFF); },
+      {"name directory outside",
+       [](std::string& b) { putLittleEndian(b, kTypeEntry + 4, 0x80FFFFFF, 4); },
        ERROR_RESOURCE_NAME_NOT_FOUND},
-      {"no name", [](std::string& b) { put16(b, kRaw + kNameDirectory + 14, 0); },
+      {"no name", [](std::string& b) { putLittleEndian(b, kRaw + kNameDirectory + 14, 0, 2); },
        ERROR_RESOURCE_NAME_NOT_FOUND},
       {"language leads to a directory",
-       [](std::string& b) { put32(b, kLanguageEntry + 4, 0x80000000 | kDataEntry); },
+       [](std::string& b) { putLittleEndian(b, kLanguageEntry + 4, 0x80000000 | kDataEntry, 4); },
        ERROR_RESOURCE_LANG_NOT_FOUND},
       {"data entry cut off", [](std::string& b) { b.resize(kRaw + kDataEntry + 8); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
       {"data longer than the file",
-       [](std::string& b) { put32(b, kRaw + kDataEntry + 4, 0x10000); },
+       [](std::string& b) { putLittleEndian(b, kRaw + kDataEntry + 4, 0x10000, 4); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
-      {"data outside every section", [](std::string& b) { put32(b, kRaw + kDataEntry, 0x7000); },
+      {"data outside every section",
+       [](std::string& b) { putLittleEndian(b, kRaw + kDataEntry, 0x7000, 4); },
        ERROR_RESOURCE_DATA_NOT_FOUND},
   };
   for (const auto& c : cases) {

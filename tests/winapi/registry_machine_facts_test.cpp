@@ -7,6 +7,7 @@
 
 #include "tests/winapi/reg_text_values.h"
 #include "winapi/calendar.h"
+#include "winapi/little_endian.h"
 #include "winapi/reg_file.h"
 
 namespace winapi {
@@ -25,8 +26,9 @@ nlohmann::json factsOf(const std::string& reg, std::optional<std::int64_t> now =
 }
 
 std::string littleEndian16(std::initializer_list<unsigned> words) {
-  std::string bytes;
-  for (unsigned word : words) bytes += std::string{char(word & 0xFF), char(word >> 8)};
+  std::string bytes(2 * words.size(), '\0');
+  for (std::size_t at = 0; at < bytes.size(); at += 2)
+    putLittleEndian(bytes, at, words.begin()[at / 2], 2);
   return bytes;
 }
 
@@ -190,8 +192,8 @@ TEST(RegistryMachineFacts, TheClockIsTheMomentTheMachineShutDown) {
   Registry registry;
   // 2026-03-01T08:30:00Z as a FILETIME.
   std::uint64_t fileTime = (at("2026-03-01T08:30:00Z") + 11644473600000) * 10000;
-  std::string bytes;
-  for (int i = 0; i < 8; ++i) bytes += static_cast<char>(fileTime >> (8 * i));
+  std::string bytes(8, '\0');
+  putLittleEndian(bytes, 0, fileTime, 8);
   mergeRegFile(registry,
                "Windows Registry Editor Version 5.00\r\n\r\n" +
                    regKey(kControl + "\\Windows", hexValue("ShutdownTime", bytes)),

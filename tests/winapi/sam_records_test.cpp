@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "test_sam.h"
+#include "winapi/little_endian.h"
 
 namespace winapi {
 namespace {
@@ -60,21 +61,21 @@ TEST(SamRecords, TheVariableRecordsTextsAreCheckedAgainstTheRecord) {
 
   // The last entry ends where the record does; a byte more is beyond it.
   std::string last(0xCC + 8, '\0');
-  put32(last, 16 * 12, 4);
-  put32(last, 16 * 12 + 4, 4);
+  putLittleEndian(last, 16 * 12, 4, 4);
+  putLittleEndian(last, 16 * 12 + 4, 4, 4);
   EXPECT_EQ(errorOf(readV, last), "read");
-  put32(last, 16 * 12 + 4, 5);
+  putLittleEndian(last, 16 * 12 + 4, 5, 4);
   EXPECT_EQ(errorOf(readV, last),
             "V record: entry 16 (unknown) at 0xD0, 5 bytes, reaches beyond the record's 212 bytes");
 
   std::string outside = bytes;
-  put32(outside, 2 * 12, 0xFFFFFFF0);
+  putLittleEndian(outside, 2 * 12, 0xFFFFFFF0, 4);
   EXPECT_EQ(errorOf(readV, outside),
             "V record: entry 2 (full name) at 0x1000000BC, 18 bytes, reaches beyond the "
             "record's " +
                 std::to_string(bytes.size()) + " bytes");
   std::string odd = bytes;
-  put32(odd, 3 * 12 + 4, 7);
+  putLittleEndian(odd, 3 * 12 + 4, 7, 4);
   EXPECT_EQ(errorOf(readV, odd), "V record: entry 3 (comment) holds 7 bytes, not UTF-16 text");
   EXPECT_EQ(errorOf(readV, bytes.substr(0, 0xCB)),
             "V record: 203 bytes, fewer than the 204 of its table");

@@ -1,5 +1,5 @@
-// Hive files made at test time: an empty hive written from its byte layout, filled from .reg text
-// by hivexregedit.
+// Hive files made at test time: an empty hive from the benchmarks' hive writer, filled from .reg
+// text by hivexregedit.
 #ifndef VRX_TESTS_WINAPI_TEST_HIVE_H
 #define VRX_TESTS_WINAPI_TEST_HIVE_H
 

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "winapi/little_endian.h"
+
 namespace winapi {
 
 namespace {
@@ -17,11 +19,6 @@ std::string utf16(const std::string& ascii) {
   std::string bytes;
   for (char c : ascii) bytes += std::string{c, '\0'};
   return bytes;
-}
-
-void put64(std::string& bytes, std::size_t at, std::uint64_t value) {
-  put32(bytes, at, static_cast<std::uint32_t>(value));
-  put32(bytes, at + 4, static_cast<std::uint32_t>(value >> 32));
 }
 
 std::string regHex(const std::string& bytes) {
@@ -42,19 +39,15 @@ std::uint64_t fileTimeOf(const std::string& utc) {
   return (static_cast<std::uint64_t>(timegm(&time)) + kSecondsFrom1601To1970) * kTicksPerSecond;
 }
 
-void put32(std::string& bytes, std::size_t at, std::uint32_t value) {
-  for (int i = 0; i < 4; ++i) bytes[at + i] = static_cast<char>(value >> (8 * i));
-}
-
 std::string fixedRecord(const TestAccount& account) {
   std::string record(0x50, '\0');
-  put32(record, 0x00, 0x00010002);  // the layout's version
-  put64(record, 0x08, account.lastLogon);
-  put64(record, 0x18, account.passwordLastSet);
-  put64(record, 0x20, 0x7FFFFFFFFFFFFFFF);  // the account never expires
-  put32(record, 0x30, account.rid);
-  put32(record, 0x34, 513);  // the group Users
-  put32(record, 0x38, account.accountControl);
+  putLittleEndian(record, 0x00, 0x00010002, 4);  // the layout's version
+  putLittleEndian(record, 0x08, account.lastLogon, 8);
+  putLittleEndian(record, 0x18, account.passwordLastSet, 8);
+  putLittleEndian(record, 0x20, 0x7FFFFFFFFFFFFFFF, 8);  // the account never expires
+  putLittleEndian(record, 0x30, account.rid, 4);
+  putLittleEndian(record, 0x34, 513, 4);  // the group Users
+  putLittleEndian(record, 0x38, account.accountControl, 4);
   record[0x3C] = static_cast<char>(account.countryCode);
   record[0x3D] = static_cast<char>(account.countryCode >> 8);
   return record;
@@ -70,8 +63,8 @@ std::string variableRecord(const TestAccount& account) {
   entries[14] = std::string(20, '\x02');  // a password hash
   std::string record(kTableSize, '\0'), data;
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    put32(record, i * 12, static_cast<std::uint32_t>(data.size()));
-    put32(record, i * 12 + 4, static_cast<std::uint32_t>(entries[i].size()));
+    putLittleEndian(record, i * 12, static_cast<std::uint32_t>(data.size()), 4);
+    putLittleEndian(record, i * 12 + 4, static_cast<std::uint32_t>(entries[i].size()), 4);
     data += entries[i] + std::string((4 - entries[i].size() % 4) % 4, '\0');
   }
   return record + data;

@@ -26,8 +26,6 @@ std::uint64_t fileTimeOf(const std::string& utc);
 std::string fixedRecord(const TestAccount& account);
 // Every entry's data after the table in turn, each padded to 4 bytes as Windows lays them out.
 std::string variableRecord(const TestAccount& account);
-// Writes `value` at `at` in little-endian order.
-void put32(std::string& bytes, std::size_t at, std::uint32_t value);
 
 // The account's Names\<name> key (its RID the type of the default value) and its <RID> key with
 // the records given.

@@ -1,4 +1,3 @@
-#include "winapi/hive_file.h"
 #include "winapi/volume_accounts.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +7,8 @@
 #include "test_hive.h"
 #include "test_machine.h"
 #include "test_sam.h"
+#include "winapi/hive_file.h"
+#include "winapi/little_endian.h"
 #include "winapi/machine.h"
 #include "winapi/windows.h"
 
@@ -43,8 +44,8 @@ TestAccount guest() {
 std::string samText() {
   TestAccount mallory{"mallory", 1002};
   std::string v = variableRecord(mallory);
-  put32(v, 2 * 12, static_cast<std::uint32_t>(v.size()));
-  put32(v, 2 * 12 + 4, 2);
+  putLittleEndian(v, 2 * 12, static_cast<std::uint32_t>(v.size()), 4);
+  putLittleEndian(v, 2 * 12 + 4, 2, 4);
   return samAccountRegText(alice()) + samAccountRegText(guest()) +
          samAccountRegText(mallory.name, mallory.rid, fixedRecord(mallory), v);
 }
