@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "winapi/little_endian.h"
-#include "winapi/marvin32.h"
+#include "winapi/formats/marvin32.h"
+#include "winapi/support/little_endian.h"
 
 namespace bench {
 

@@ -12,5 +12,5 @@
 // interfaces use as member names.
 #undef GetClassName
 #else
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 #endif

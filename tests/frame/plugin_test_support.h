@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "frame/registration.h"
-#include "winapi/machine.h"
 #include "host/plugin.h"
 #include "host/root_object.h"
 #include "tests/winapi/test_machine.h"
 #include "vrxcore/core_logger.h"
 #include "vrxcore/mof_loader.h"
+#include "winapi/machine/machine.h"
 
 namespace installedapps_col {
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "test_machine.h"
-#include "winapi/version_blocks.h"
-#include "winapi/windows.h"
+#include "winapi/formats/version_blocks.h"
+#include "winapi/include/windows.h"
 
 namespace fs = std::filesystem;
 

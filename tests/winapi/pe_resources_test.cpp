@@ -1,4 +1,4 @@
-#include "winapi/pe_resources.h"
+#include "winapi/formats/pe_resources.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "winapi/sam_records.h"
+#include "winapi/formats/sam_records.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "winapi/hive_file.h"
-#include "winapi/volume_accounts.h"
+#include "winapi/machine/hive_file.h"
+#include "winapi/machine/volume_accounts.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include "test_hive.h"
 #include "test_machine.h"
 #include "test_sam.h"
-#include "winapi/machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/machine.h"
 
 namespace fs = std::filesystem;
 
