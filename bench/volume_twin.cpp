@@ -5,10 +5,10 @@
 #include <stdexcept>
 
 #include "bench/hive_writer.h"
-#include "winapi/formats/reg_file.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/machine.h"
 #include "winapi/machine/machine_file.h"
+#include "winapi/machine/registry_folder.h"
 #include "winapi/support/code_pages.h"
 #include "winapi/support/text.h"
 

@@ -3,7 +3,7 @@
 #include <ostream>
 
 #include "winapi/formats/reg_value_text.h"
-#include "winapi/machine/machine.h"
+#include "winapi/support/errors.h"
 
 namespace winapi {
 

@@ -3,7 +3,6 @@
 #include "winapi/formats/reg_file.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -11,13 +10,10 @@
 #include "winapi/formats/reg_text.h"
 #include "winapi/formats/registry_key_names.h"
 #include "winapi/include/windows.h"
-#include "winapi/machine/machine.h"
-#include "winapi/machine/machine_file.h"
 #include "winapi/support/code_pages.h"
+#include "winapi/support/errors.h"
 #include "winapi/support/parallel.h"
 #include "winapi/support/text.h"
-
-namespace fs = std::filesystem;
 
 namespace winapi {
 
@@ -27,9 +23,6 @@ namespace {
 constexpr std::size_t kMaxKeyName = 255;
 constexpr std::size_t kMaxValueName = 16383;
 constexpr std::size_t kMaxDepth = 512;
-// An export of a large machine's HKEY_LOCAL_MACHINE, two bytes a character, fits (100 000
-// applications: 80 MiB), below what would exhaust memory.
-constexpr std::uintmax_t kMaxFileMiB = 256;
 
 bool hasPrefix(std::wstring_view text, std::size_t at, std::wstring_view prefix) {
   return compareIgnoringCase(text.substr(at, prefix.size()), prefix) == 0;
@@ -372,22 +365,6 @@ class Parser {
   Hive madeHive_ = Hive::LocalMachine;
 };
 
-std::vector<fs::path> regFiles(const fs::path& folder) {
-  std::error_code error;
-  std::vector<fs::path> files;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-       entry.increment(error)) {
-    if (equalsIgnoringCase(entry->path().extension().string(), ".reg") &&
-        entry->is_regular_file(error))
-      files.push_back(entry->path());
-  }
-  if (error) throw MachineError(folder.string() + ": cannot read: " + error.message());
-  std::sort(files.begin(), files.end(), [](const fs::path& a, const fs::path& b) {
-    return a.filename().string() < b.filename().string();
-  });
-  return files;
-}
-
 bool startsKey(std::wstring_view line) {
   std::size_t at = line.find_first_not_of(kRegBlanks);
   return at != std::wstring_view::npos && line[at] == L'[';
@@ -450,22 +427,6 @@ void mergeRegFile(Registry& registry, std::string_view bytes, const std::string&
   for (Registry& part : later)
     for (Hive hive : {Hive::LocalMachine, Hive::CurrentUser})
       registry.root(hive).absorb(std::move(part.root(hive)));
-}
-
-std::shared_ptr<Registry> readRegistryFiles(const std::string& directory, unsigned ansiCodePage) {
-  auto registry = std::make_shared<Registry>();
-  fs::path folder = fs::path(directory) / "registry";
-  std::error_code error;
-  // A folder that cannot even be examined (a symlink loop, no search permission) is no absent one.
-  if (!fs::exists(folder, error)) {
-    if (error) throw MachineError(folder.string() + ": cannot read: " + error.message());
-    return registry;
-  }
-  if (!fs::is_directory(folder, error)) throw MachineError(folder.string() + ": not a directory");
-  for (const fs::path& file : regFiles(folder))
-    mergeRegFile(*registry, readMachineBytes(file.string(), kMaxFileMiB), file.string(),
-                 ansiCodePage);
-  return registry;
 }
 
 }  // namespace winapi

@@ -4,7 +4,6 @@
 #ifndef VRX_WINAPI_REG_FILE_H
 #define VRX_WINAPI_REG_FILE_H
 
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -16,10 +15,6 @@ namespace winapi {
 // "file:line:column: problem" for a file regedit would not import.
 void mergeRegFile(Registry& registry, std::string_view bytes, const std::string& file,
                   unsigned ansiCodePage);
-
-// The registry of the machine directory: registry/*.reg merged in file-name order; an empty
-// one without them.
-std::shared_ptr<Registry> readRegistryFiles(const std::string& directory, unsigned ansiCodePage);
 
 }  // namespace winapi
 

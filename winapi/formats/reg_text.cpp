@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "winapi/machine/machine.h"
 #include "winapi/support/code_pages.h"
+#include "winapi/support/errors.h"
 #include "winapi/support/parallel.h"
 #include "winapi/support/registry_store.h"
 

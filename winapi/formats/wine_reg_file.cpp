@@ -9,8 +9,8 @@
 
 #include "winapi/formats/reg_text.h"
 #include "winapi/include/windows.h"
-#include "winapi/machine/machine.h"
 #include "winapi/support/code_pages.h"
+#include "winapi/support/errors.h"
 
 namespace winapi {
 

@@ -1,6 +1,4 @@
-// WOW64 file-system redirection: Wow64DisableWow64FsRedirection and
-// Wow64RevertWow64FsRedirection, and the file lookups that follow it. In a 64-bit process
-// there is nothing to redirect and both functions fail with ERROR_INVALID_FUNCTION.
+// WOW64 file-system redirection: the file lookups that follow it.
 #include "winapi/machine/fs_redirection.h"
 
 #include <filesystem>
@@ -9,27 +7,25 @@
 #include <vector>
 
 #include "winapi/include/windows.h"
-#include "winapi/machine/faults.h"
 #include "winapi/machine/machine.h"
 #include "winapi/support/text.h"
 
 namespace winapi {
 
+thread_local bool redirectionDisabled = false;
+
+bool isWow64(const Machine& machine) {
+  return machine.description().value(nlohmann::json::json_pointer("/system/wow64"), false);
+}
+
 namespace {
 
 using Components = std::vector<std::string>;
-
-// Per thread, as on Windows.
-thread_local bool redirectionDisabled = false;
 
 // Under System32, these stay what they are for a 32-bit process.
 const Components kSharedDirectories[] = {
     {"catroot"}, {"catroot2"}, {"driverstore"}, {"drivers", "etc"}, {"logfiles"}, {"spool"},
 };
-
-bool isWow64(const Machine& machine) {
-  return machine.description().value(nlohmann::json::json_pointer("/system/wow64"), false);
-}
 
 bool isSeparator(char c) { return c == '\\' || c == '/'; }
 
@@ -84,11 +80,6 @@ std::string onDrive(const std::string& path, const Machine& machine) {
   return rooted ? machine.windowsDirectory().substr(0, 2) + path : path;
 }
 
-BOOL fail(DWORD error) {
-  SetLastError(error);
-  return FALSE;
-}
-
 }  // namespace
 
 MachineFile findMachineFile(const std::string& windowsPath) {
@@ -108,24 +99,3 @@ MachineFile findMachineFile(const std::string& windowsPath) {
 }
 
 }  // namespace winapi
-
-extern "C" BOOL WINAPI Wow64DisableWow64FsRedirection(PVOID* OldValue) {
-  using namespace winapi;
-  if (auto failed = injected<BOOL>("Wow64DisableWow64FsRedirection", Reports::ThroughLastError))
-    return *failed;
-  if (!isWow64(currentMachine())) return fail(ERROR_INVALID_FUNCTION);
-  if (!OldValue) return fail(ERROR_NOACCESS);
-  *OldValue = reinterpret_cast<PVOID>(static_cast<std::uintptr_t>(redirectionDisabled));
-  redirectionDisabled = true;
-  return TRUE;
-}
-
-// OldValue is what Wow64DisableWow64FsRedirection left: whether redirection was off before.
-extern "C" BOOL WINAPI Wow64RevertWow64FsRedirection(PVOID OlValue) {
-  using namespace winapi;
-  if (auto failed = injected<BOOL>("Wow64RevertWow64FsRedirection", Reports::ThroughLastError))
-    return *failed;
-  if (!isWow64(currentMachine())) return fail(ERROR_INVALID_FUNCTION);
-  redirectionDisabled = OlValue != nullptr;
-  return TRUE;
-}

@@ -6,12 +6,12 @@
 #include <filesystem>
 #include <mutex>
 
-#include "winapi/formats/reg_file.h"
 #include "winapi/machine/hive_file.h"
 #include "winapi/machine/host_path.h"
 #include "winapi/machine/machine_file.h"
 #include "winapi/machine/machine_schema.h"
 #include "winapi/machine/offline_volume.h"
+#include "winapi/machine/registry_folder.h"
 #include "winapi/machine/wine_prefix.h"
 #include "winapi/support/calendar.h"
 #include "winapi/support/code_pages.h"

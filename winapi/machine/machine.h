@@ -17,16 +17,11 @@
 #include <vector>
 
 #include "winapi/machine/environment_block.h"
+#include "winapi/support/errors.h"
 #include "winapi/support/registry_store.h"
 #include "winapi/support/text.h"
 
 namespace winapi {
-
-// A machine directory or description that cannot be used; what() names the file and the place.
-class MachineError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 // A time zone transition in the SYSTEMTIME rule form: with year 0 it is the day-th (1-5, 5 =
 // last) dayOfWeek of month at the given time, every year; month 0 means no transition.

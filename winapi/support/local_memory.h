@@ -10,6 +10,9 @@ namespace winapi {
 // A zeroed block of `size` bytes; the pointer is also its HLOCAL.
 void* allocateLocal(std::size_t size);
 
+// Releases a block that allocateLocal handed out; false, with nothing done, for any other pointer.
+bool freeLocal(void* memory);
+
 }  // namespace winapi
 
 #endif
