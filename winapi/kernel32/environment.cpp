@@ -1,5 +1,4 @@
-// The process environment of the machine, as GetEnvironmentVariableA and the C runtime's
-// getenv read it.
+// The process environment of the machine, as GetEnvironmentVariableA reads it.
 #include "winapi/include/windows.h"
 #include "winapi/machine/faults.h"
 #include "winapi/machine/machine.h"
@@ -29,9 +28,4 @@ extern "C" DWORD WINAPI GetEnvironmentVariableA(LPCSTR lpName, LPSTR lpBuffer, D
   // A variable with an empty value also answers 0; the cleared last error tells it apart.
   SetLastError(ERROR_SUCCESS);
   return static_cast<DWORD>(copyOrMeasure(variable->ansiValue, lpBuffer, nSize));
-}
-
-extern "C" char* vrx_getenv(const char* name) noexcept {
-  const winapi::EnvironmentBlock::Variable* variable = name ? findVariable(name) : nullptr;
-  return variable ? const_cast<char*>(variable->ansiValue.c_str()) : nullptr;
 }
