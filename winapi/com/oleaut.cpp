@@ -1,9 +1,11 @@
-// OLE Automation: BSTRs, VARIANTs of the types this layer hands out, and automation dates.
+// OLE Automation: BSTRs, VARIANTs of the types this layer hands out, and automation dates; and
+// _bstr_t and _com_error, the compiler's COM support, over SysAllocString and SysFreeString.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
 
+#include "winapi/include/comdef.h"
 #include "winapi/include/oleauto.h"
 #include "winapi/machine/faults.h"
 #include "winapi/support/bstr.h"
@@ -83,4 +85,10 @@ extern "C" INT WINAPI VariantTimeToSystemTime(DOUBLE vtime, LPSYSTEMTIME lpSyste
                    static_cast<WORD>(time->hour),      static_cast<WORD>(time->minute),
                    static_cast<WORD>(time->second),    0};
   return TRUE;
+}
+
+void _com_issue_error(HRESULT hr) { throw _com_error(hr); }
+
+_bstr_t::_bstr_t(const wchar_t* s) : text_(SysAllocString(s), SysFreeString) {
+  if (s && !text_) _com_issue_error(E_OUTOFMEMORY);
 }

@@ -2,7 +2,7 @@
 #include "winapi/include/windows.h"
 #include "winapi/machine/faults.h"
 #include "winapi/machine/machine.h"
-#include "winapi/support/buffers.h"
+#include "winapi/support/text.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 #include "winapi/support/text.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace winapi {
 
@@ -33,6 +34,12 @@ bool LessIgnoringCase::operator()(std::string_view a, std::string_view b) const 
   return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
     return static_cast<unsigned char>(upper(x)) < static_cast<unsigned char>(upper(y));
   });
+}
+
+std::size_t copyOrMeasure(const std::string& text, char* buffer, std::size_t size) {
+  if (!buffer || size <= text.size()) return text.size() + 1;
+  std::memcpy(buffer, text.c_str(), text.size() + 1);
+  return text.size();
 }
 
 }  // namespace winapi
