@@ -25,7 +25,7 @@ constexpr DWORD kUserPageBytes = 100;
 constexpr unsigned kExaminedLimit = 16;
 
 std::string environmentText(const char* name) {
-  const char* value = std::getenv(name);
+  const char* value = vrx_getenv(name);
   return value ? std::string(value) : std::string();
 }
 

@@ -9,8 +9,8 @@
 #include "bench/hive_log_writer.h"
 #include "bench/hive_writer.h"
 #include "bench/machine_generator.h"
-#include "winapi/hive_replay.h"
-#include "winapi/reg_file.h"
+#include "winapi/formats/reg_file.h"
+#include "winapi/machine/hive_replay.h"
 
 namespace fs = std::filesystem;
 

@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "bench/hive_writer.h"
-#include "winapi/little_endian.h"
-#include "winapi/marvin32.h"
+#include "winapi/formats/marvin32.h"
+#include "winapi/support/little_endian.h"
 
 namespace bench {
 

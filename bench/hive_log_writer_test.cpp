@@ -7,8 +7,8 @@
 
 #include "bench/hive_writer.h"
 #include "tests/winapi/test_machine.h"
-#include "winapi/hive_file.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/hive_file.h"
 
 namespace bench {
 namespace {

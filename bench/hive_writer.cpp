@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "winapi/little_endian.h"
+#include "winapi/support/little_endian.h"
 
 namespace bench {
 

@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <string>
 
-#include "winapi/registry_store.h"
+#include "winapi/support/registry_store.h"
 
 namespace bench {
 

@@ -12,12 +12,12 @@
 #include <vector>
 
 #include "tests/winapi/test_machine.h"
-#include "winapi/hive_file.h"
-#include "winapi/little_endian.h"
-#include "winapi/machine.h"
-#include "winapi/reg_text.h"
-#include "winapi/text.h"
-#include "winapi/windows.h"
+#include "winapi/formats/reg_text.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/hive_file.h"
+#include "winapi/machine/machine.h"
+#include "winapi/support/little_endian.h"
+#include "winapi/support/text.h"
 
 namespace bench {
 namespace {

@@ -8,9 +8,9 @@
 #include <stdexcept>
 
 #include "tests/winapi/test_machine.h"
-#include "winapi/code_pages.h"
-#include "winapi/machine.h"
-#include "winapi/reg_file.h"
+#include "winapi/formats/reg_file.h"
+#include "winapi/machine/machine.h"
+#include "winapi/support/code_pages.h"
 
 namespace bench {
 namespace {

@@ -5,8 +5,8 @@
 #include "bench/machine_generator.h"
 #include "frame/registry_reader.h"
 #include "software/pattern_set.h"
-#include "winapi/machine.h"
-#include "winapi/reg_file.h"
+#include "winapi/formats/reg_file.h"
+#include "winapi/machine/machine.h"
 
 namespace {
 

@@ -5,12 +5,12 @@
 #include <stdexcept>
 
 #include "bench/hive_writer.h"
-#include "winapi/code_pages.h"
-#include "winapi/machine.h"
-#include "winapi/machine_file.h"
-#include "winapi/reg_file.h"
-#include "winapi/text.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/machine.h"
+#include "winapi/machine/machine_file.h"
+#include "winapi/machine/registry_folder.h"
+#include "winapi/support/code_pages.h"
+#include "winapi/support/text.h"
 
 namespace fs = std::filesystem;
 

@@ -5,7 +5,7 @@
 
 #include "bench/machine_generator.h"
 #include "tests/vrxhost/vrxhost_fixture.h"
-#include "winapi/text.h"
+#include "winapi/support/text.h"
 
 namespace bench {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "winapi/registry_store.h"
-#include "winapi/wine_reg_file.h"
+#include "winapi/formats/wine_reg_file.h"
+#include "winapi/support/registry_store.h"
 
 namespace {
 

@@ -53,7 +53,7 @@ std::string OSComponentInfo::getFileVersion(std::string path, std::string& descr
 }
 
 std::string OSComponentInfo::findDllInSysPath(std::string fileName, std::string& description) {
-  const char* variable = getenv("PATH");
+  const char* variable = vrx_getenv("PATH");
   const std::string path = variable ? variable : "";
   size_t position = 0;
   for (;;) {

@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "frame/text_file.h"
-#include "winapi/code_pages.h"
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
+#include "winapi/support/code_pages.h"
 
 namespace installedapps_col {
 

@@ -11,8 +11,8 @@
 #include <string>
 
 #include "fuzz/registry_values.h"
-#include "winapi/hive_file.h"
-#include "winapi/machine.h"
+#include "winapi/machine/hive_file.h"
+#include "winapi/machine/machine.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "winapi/hive_log.h"
+#include "winapi/formats/hive_log.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "winapi/inf_parser.h"
+#include "winapi/formats/inf_parser.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string_view bytes(reinterpret_cast<const char*>(data), size);

@@ -9,8 +9,8 @@
 #include <fstream>
 #include <string>
 
-#include "winapi/machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/machine.h"
 
 namespace {
 

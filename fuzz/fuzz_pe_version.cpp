@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "winapi/pe_resources.h"
-#include "winapi/version_blocks.h"
-#include "winapi/windows.h"
+#include "winapi/formats/pe_resources.h"
+#include "winapi/formats/version_blocks.h"
+#include "winapi/include/windows.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 #include <string_view>
 
 #include "fuzz/registry_values.h"
-#include "winapi/machine.h"
-#include "winapi/reg_export.h"
-#include "winapi/reg_file.h"
+#include "winapi/formats/reg_export.h"
+#include "winapi/formats/reg_file.h"
+#include "winapi/machine/machine.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "winapi/sam_records.h"
+#include "winapi/formats/sam_records.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "fuzz/registry_values.h"
-#include "winapi/machine.h"
-#include "winapi/wine_reg_file.h"
+#include "winapi/formats/wine_reg_file.h"
+#include "winapi/machine/machine.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   winapi::Registry registry;

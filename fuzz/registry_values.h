@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <string>
 
-#include "winapi/reg_text.h"
-#include "winapi/registry_store.h"
+#include "winapi/formats/reg_text.h"
+#include "winapi/support/registry_store.h"
 
 inline std::size_t countValues(const winapi::RegistryKey& key) {
   std::size_t count = key.values().size();

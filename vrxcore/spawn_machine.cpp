@@ -3,7 +3,7 @@
 #include <cctype>
 
 #include "host/os_specific.h"
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 namespace NZARVEK20 {
 

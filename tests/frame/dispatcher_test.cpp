@@ -5,7 +5,7 @@
 #include "plugin/system_information.h"
 #include "tests/frame/plugin_test_support.h"
 #include "tests/vrxcore/test_schema.h"
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 namespace installedapps_col {
 namespace {

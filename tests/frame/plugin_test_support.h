@@ -7,13 +7,14 @@
 #include <utility>
 #include <vector>
 
+
 #include "host/plugin.h"
 #include "host/root_object.h"
 #include "plugin/registration.h"
 #include "tests/winapi/test_machine.h"
 #include "vrxcore/core_logger.h"
 #include "vrxcore/mof_loader.h"
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 namespace installedapps_col {
 

@@ -4,7 +4,7 @@
 #include "frame/date_time_parser.h"
 #include "tests/frame/plugin_test_support.h"
 #include "tests/vrxcore/test_schema.h"
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 namespace installedapps_col {
 namespace {

@@ -7,7 +7,7 @@
 #include "tests/winapi/reg_text_values.h"
 #include "tests/winapi/test_hive.h"
 #include "tests/winapi/test_sam.h"
-#include "winapi/little_endian.h"
+#include "winapi/support/little_endian.h"
 
 namespace {
 

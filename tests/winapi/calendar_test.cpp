@@ -1,5 +1,5 @@
 // Moments as people give them (--now) and as descriptions keep them.
-#include "winapi/calendar.h"
+#include "winapi/support/calendar.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "winapi/code_pages.h"
+#include "winapi/support/code_pages.h"
 
 namespace winapi {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "test_machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 
 namespace {
 
@@ -51,14 +51,13 @@ TEST_F(Environment, NamesIgnoreCase) {
 }
 
 TEST_F(Environment, GetenvReadsTheMachine) {
-  // windows.h turns getenv into the machine's; the Linux process has its own HOME, the machine
-  // none.
-  EXPECT_EQ(getenv("HOME"), nullptr);
-  ASSERT_NE(getenv("username"), nullptr);
-  EXPECT_STREQ(std::getenv("USERNAME"), "alice");
-  EXPECT_STREQ(getenv("UserProfile"), "C:\\Users\\Jos\xE9");
+  // vrx_getenv is the machine's getenv; the Linux process has its own HOME, the machine none.
+  EXPECT_EQ(vrx_getenv("HOME"), nullptr);
+  ASSERT_NE(vrx_getenv("username"), nullptr);
+  EXPECT_STREQ(vrx_getenv("USERNAME"), "alice");
+  EXPECT_STREQ(vrx_getenv("UserProfile"), "C:\\Users\\Jos\xE9");
   // The same storage until the environment changes.
-  EXPECT_EQ(getenv("USERNAME"), getenv("username"));
+  EXPECT_EQ(vrx_getenv("USERNAME"), vrx_getenv("username"));
   EXPECT_EQ(vrx_getenv(nullptr), nullptr);
 }
 

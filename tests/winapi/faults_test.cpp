@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "test_machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "test_machine.h"
-#include "winapi/little_endian.h"
-#include "winapi/version_blocks.h"
-#include "winapi/windows.h"
+#include "winapi/formats/version_blocks.h"
+#include "winapi/include/windows.h"
+#include "winapi/support/little_endian.h"
 
 namespace fs = std::filesystem;
 

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string>
 
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 
 namespace {
 

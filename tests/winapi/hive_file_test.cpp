@@ -1,4 +1,4 @@
-#include "winapi/hive_file.h"
+#include "winapi/machine/hive_file.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 
 #include "test_hive.h"
 #include "test_machine.h"
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 namespace winapi {
 using namespace std::string_literals;

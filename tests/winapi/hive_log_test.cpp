@@ -10,10 +10,10 @@
 
 #include "test_hive.h"
 #include "test_machine.h"
-#include "winapi/hive_file.h"
-#include "winapi/little_endian.h"
-#include "winapi/machine.h"
-#include "winapi/unicode_text.h"
+#include "winapi/machine/hive_file.h"
+#include "winapi/machine/machine.h"
+#include "winapi/support/little_endian.h"
+#include "winapi/support/unicode_text.h"
 
 namespace fs = std::filesystem;
 

@@ -1,11 +1,11 @@
-#include "winapi/inf_parser.h"
+#include "winapi/formats/inf_parser.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

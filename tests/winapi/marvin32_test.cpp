@@ -1,4 +1,4 @@
-#include "winapi/marvin32.h"
+#include "winapi/formats/marvin32.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "test_machine.h"
-#include "winapi/machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/machine.h"
 
 using nlohmann::json;
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "winapi/offline_volume.h"
+#include "winapi/machine/offline_volume.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 #include "test_hive.h"
 #include "test_machine.h"
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 namespace fs = std::filesystem;
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "test_machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 
 namespace {
 

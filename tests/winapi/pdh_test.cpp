@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "test_machine.h"
-#include "winapi/pdh_paths.h"
-#include "winapi/windows.h"
+#include "winapi/formats/pdh_paths.h"
+#include "winapi/include/windows.h"
 
 using nlohmann::json;
 

@@ -1,4 +1,4 @@
-#include "winapi/pe_resources.h"
+#include "winapi/formats/pe_resources.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <functional>
 #include <string>
 
-#include "winapi/little_endian.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/support/little_endian.h"
 
 namespace {
 

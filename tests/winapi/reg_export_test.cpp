@@ -1,4 +1,4 @@
-#include "winapi/reg_export.h"
+#include "winapi/formats/reg_export.h"
 
 #include <gtest/gtest.h>
 
@@ -11,11 +11,11 @@
 #include <utility>
 
 #include "fuzz/registry_values.h"
-#include "winapi/hive_file.h"
-#include "winapi/machine.h"
-#include "winapi/reg_file.h"
-#include "winapi/windows.h"
-#include "winapi/wine_reg_file.h"
+#include "winapi/formats/reg_file.h"
+#include "winapi/formats/wine_reg_file.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/hive_file.h"
+#include "winapi/machine/machine.h"
 
 namespace fs = std::filesystem;
 using winapi::Hive;

@@ -1,4 +1,4 @@
-#include "winapi/reg_file.h"
+#include "winapi/formats/reg_file.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "test_machine.h"
-#include "winapi/machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/machine.h"
 
 using winapi::Hive;
 using winapi::Registry;

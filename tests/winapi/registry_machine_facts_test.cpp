@@ -1,14 +1,14 @@
 // A volume's or Wine prefix's description as its registry tells it: the version a program
 // without a compatibility manifest is told, product type, suite and edition, the zone from
 // TimeZoneInformation with its names and yearly rules, and the moment the machine shut down.
-#include "winapi/registry_machine_facts.h"
+#include "winapi/machine/registry_machine_facts.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/winapi/reg_text_values.h"
-#include "winapi/calendar.h"
-#include "winapi/little_endian.h"
-#include "winapi/reg_file.h"
+#include "winapi/formats/reg_file.h"
+#include "winapi/support/calendar.h"
+#include "winapi/support/little_endian.h"
 
 namespace winapi {
 namespace {

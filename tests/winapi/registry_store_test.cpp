@@ -4,7 +4,7 @@
 #include <thread>
 #include <vector>
 
-#include "winapi/registry_store.h"
+#include "winapi/support/registry_store.h"
 
 namespace winapi {
 namespace {

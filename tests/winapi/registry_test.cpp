@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "test_machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 
 using nlohmann::json;
 

@@ -1,9 +1,9 @@
-#include "winapi/sam_records.h"
+#include "winapi/formats/sam_records.h"
 
 #include <gtest/gtest.h>
 
 #include "test_sam.h"
-#include "winapi/little_endian.h"
+#include "winapi/support/little_endian.h"
 
 namespace winapi {
 namespace {

@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "bench/hive_writer.h"
-#include "winapi/little_endian.h"
+#include "winapi/support/little_endian.h"
 
 namespace winapi {
 

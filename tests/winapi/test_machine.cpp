@@ -6,7 +6,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 namespace fs = std::filesystem;
 

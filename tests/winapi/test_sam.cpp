@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "winapi/little_endian.h"
+#include "winapi/support/little_endian.h"
 
 namespace winapi {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "test_machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
 
 using nlohmann::json;
 

@@ -1,4 +1,5 @@
-#include "winapi/volume_accounts.h"
+#include "winapi/machine/hive_file.h"
+#include "winapi/machine/volume_accounts.h"
 
 #include <gtest/gtest.h>
 
@@ -7,10 +8,10 @@
 #include "test_hive.h"
 #include "test_machine.h"
 #include "test_sam.h"
-#include "winapi/hive_file.h"
-#include "winapi/little_endian.h"
-#include "winapi/machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/hive_file.h"
+#include "winapi/machine/machine.h"
+#include "winapi/support/little_endian.h"
 
 namespace fs = std::filesystem;
 

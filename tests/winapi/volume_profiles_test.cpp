@@ -1,4 +1,4 @@
-#include "winapi/volume_profiles.h"
+#include "winapi/machine/volume_profiles.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 #include "test_hive.h"
 #include "test_machine.h"
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 namespace fs = std::filesystem;
 

@@ -1,4 +1,4 @@
-#include "winapi/wine_prefix.h"
+#include "winapi/machine/wine_prefix.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <iterator>
 
 #include "test_machine.h"
-#include "winapi/machine.h"
+#include "winapi/machine/machine.h"
 
 namespace winapi {
 namespace {

@@ -1,4 +1,4 @@
-#include "winapi/wine_reg_file.h"
+#include "winapi/formats/wine_reg_file.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "winapi/machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/machine.h"
 
 namespace winapi {
 namespace {

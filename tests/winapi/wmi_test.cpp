@@ -3,8 +3,8 @@
 #include <string>
 
 #include "test_machine.h"
-#include "winapi/machine.h"
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
+#include "winapi/machine/machine.h"
 
 namespace {
 

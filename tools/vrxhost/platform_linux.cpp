@@ -5,10 +5,10 @@
 #include <stdexcept>
 
 #include "tools/vrxhost/platform.h"
-#include "winapi/calendar.h"
-#include "winapi/machine.h"
-#include "winapi/offline_volume.h"
-#include "winapi/reg_export.h"
+#include "winapi/formats/reg_export.h"
+#include "winapi/machine/machine.h"
+#include "winapi/machine/offline_volume.h"
+#include "winapi/support/calendar.h"
 
 namespace vrxhost {
 

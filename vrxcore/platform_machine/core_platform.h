@@ -2,4 +2,4 @@
 // machine.
 #pragma once
 
-#include "winapi/windows.h"
+#include "winapi/include/windows.h"
