@@ -1,5 +1,7 @@
 #include "components/wow64_redirection.h"
 
+#include "frame/procedure.h"
+
 namespace installedapps_col {
 
 namespace {
@@ -18,14 +20,12 @@ Wow64Redirection::~Wow64Redirection() {
 
 void Wow64Redirection::runWithoutRedirection(const std::function<void()>& read) const {
   if (!kernel32) return;
-  auto disable = reinterpret_cast<DisableRedirectionFunction>(
-      GetProcAddress(kernel32, "Wow64DisableWow64FsRedirection"));
+  auto disable = procedure<DisableRedirectionFunction>(kernel32, "Wow64DisableWow64FsRedirection");
   void* oldValue = nullptr;
   // Only an answer of exactly 1 means that the switch is off.
   if (!disable || disable(&oldValue) != 1) return;
   const auto revert = [&] {
-    auto function = reinterpret_cast<RevertRedirectionFunction>(
-        GetProcAddress(kernel32, "Wow64RevertWow64FsRedirection"));
+    auto function = procedure<RevertRedirectionFunction>(kernel32, "Wow64RevertWow64FsRedirection");
     if (function) function(oldValue);
   };
   try {

@@ -1,5 +1,6 @@
 #include "os/os_performance_params.h"
 
+#include "frame/procedure.h"
 #include "os/os_names.h"
 #include "os_platform.h"
 
@@ -57,8 +58,7 @@ PropertyMap OSPerformanceParams::getPerformanceProperties() {
   HMODULE psapi = LoadLibraryExA("psapi.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
   if (!psapi) return PropertyMap();
   PropertyMap values;
-  auto getPerformanceInfo = reinterpret_cast<GetPerformanceInfoFunction>(
-      GetProcAddress(psapi, "GetPerformanceInfo"));
+  auto getPerformanceInfo = procedure<GetPerformanceInfoFunction>(psapi, "GetPerformanceInfo");
   PERFORMANCE_INFORMATION info = {};
   info.cb = sizeof info;
   if (getPerformanceInfo && getPerformanceInfo(&info, sizeof info))

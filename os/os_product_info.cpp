@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "frame/cim_value_builder.h"
+#include "frame/procedure.h"
 #include "frame/registry_reader.h"
 #include "frame/schema_names.h"
 #include "frame/wow64.h"
@@ -97,8 +98,7 @@ bool is64BitSystem() { return runsUnderWow64() || has64BitProcessor(); }
 // The product type the system reports for its version; 0 (undefined) when
 // it can't say.
 DWORD productType(const OSVERSIONINFOEXA& info) {
-  auto getProductInfo = reinterpret_cast<GetProductInfoFunction>(
-      GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetProductInfo"));
+  auto getProductInfo = procedure<GetProductInfoFunction>(GetModuleHandleA("kernel32.dll"), "GetProductInfo");
   DWORD type = 0;
   if (!getProductInfo ||
       !getProductInfo(info.dwMajorVersion, info.dwMinorVersion, 0, 0, &type))

@@ -8,6 +8,7 @@
 
 #include "frame/frame_texts.h"
 #include "frame/narrow_text.h"
+#include "frame/procedure.h"
 #include "frame/schema_names.h"
 #include "os/os_names.h"
 #include "os_platform.h"
@@ -65,8 +66,7 @@ void addNativeEntries(const unsigned char* buffer, size_t capacity,
 PageFileInfo::PageFileList queryPagefileInfo() {
   PageFileInfo::PageFileList list;
   HMODULE ntdll = GetModuleHandleA("ntdll.dll");
-  auto query = ntdll ? reinterpret_cast<QuerySystemInformationFunction>(
-                           GetProcAddress(ntdll, "ZwQuerySystemInformation"))
+  auto query = ntdll ? procedure<QuerySystemInformationFunction>(ntdll, "ZwQuerySystemInformation")
                      : nullptr;
   if (!query) return list;
   std::unique_ptr<unsigned char[]> buffer;
@@ -90,7 +90,7 @@ PageFileInfo::PageFileList queryPagefileInfo() {
 PageFileInfo::PageFileList getPagefileInfo(HMODULE psapi) {
   PageFileInfo::PageFileList list;
   auto enumPageFiles =
-      reinterpret_cast<EnumPageFilesFunction>(GetProcAddress(psapi, "EnumPageFilesA"));
+      procedure<EnumPageFilesFunction>(psapi, "EnumPageFilesA");
   if (!enumPageFiles) {
     LogMessage::getInstance()->logDebug(constants::kNoEnumPageFiles);
     return queryPagefileInfo();
@@ -101,7 +101,7 @@ PageFileInfo::PageFileList getPagefileInfo(HMODULE psapi) {
 
 unsigned long long pageSizeOf(HMODULE psapi) {
   auto getPerformanceInfo =
-      reinterpret_cast<GetPerformanceInfoFunction>(GetProcAddress(psapi, "GetPerformanceInfo"));
+      procedure<GetPerformanceInfoFunction>(psapi, "GetPerformanceInfo");
   if (!getPerformanceInfo) {
     SYSTEM_INFO system = {};
     GetSystemInfo(&system);

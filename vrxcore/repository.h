@@ -94,13 +94,13 @@ class TRepositoryPropertyDecl : public ICIMPropertyDecl {
   TRepositoryPropertyDecl(const std::string& name, TCIMType type, bool isArray,
                           const std::string& referenceClassName, const TCIMOptions& qualifiers,
                           const TCIMValue& defaultValue);
-  TCIMType GetType(TCIMOptions options) override { return type_; }
-  bool IsArray(TCIMOptions options) override { return isArray_; }
-  const std::string& GetName(TCIMOptions options) override { return name_; }
-  bool IsKey(TCIMOptions options) override { return isKey_; }
-  const std::string& GetReferenceClassName(TCIMOptions options) override { return refClass_; }
+  TCIMType GetType(TCIMOptions) override { return type_; }
+  bool IsArray(TCIMOptions) override { return isArray_; }
+  const std::string& GetName(TCIMOptions) override { return name_; }
+  bool IsKey(TCIMOptions) override { return isKey_; }
+  const std::string& GetReferenceClassName(TCIMOptions) override { return refClass_; }
   TCIMValue GetQualifier(const std::string& name, TCIMOptions options) override;
-  const TCIMValue& GetDefaultValue(TCIMOptions options) override { return default_; }
+  const TCIMValue& GetDefaultValue(TCIMOptions) override { return default_; }
 
   // `value` as this property holds it; throws (13) when it does not convert.
   TCIMValue Conform(const TCIMValue& value) const;
@@ -120,7 +120,7 @@ class TRepositoryClass : public ICIMClass, public boost::enable_shared_from_this
   TRepositoryClass(boost::weak_ptr<TRepositoryNamespace> ns, const std::string& name,
                    boost::shared_ptr<TRepositoryClass> superClass);
 
-  const std::string& GetName(TCIMOptions options) override { return name_; }
+  const std::string& GetName(TCIMOptions) override { return name_; }
   boost::shared_ptr<ICIMNamespace> GetNamespace(TCIMOptions options) override;
   bool IsAssociation(TCIMOptions options) override;
   void EnumerateKeyNames(const TNameCallback& callback, TCIMOptions options) override;

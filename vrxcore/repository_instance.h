@@ -11,10 +11,10 @@ namespace NZARVEK20 {
 class TRepositoryProperty : public ICIMProperty {
  public:
   explicit TRepositoryProperty(TRepositoryPropertyDecl& decl) : decl_(&decl) {}
-  TCIMType GetType(TCIMOptions options) override { return decl_->GetType({}); }
-  const TCIMValue& GetValue(TCIMOptions options) override { return value_; }
-  const std::string& GetName(TCIMOptions options) override { return decl_->GetName({}); }
-  bool IsArray(TCIMOptions options) override { return decl_->IsArray({}); }
+  TCIMType GetType(TCIMOptions) override { return decl_->GetType({}); }
+  const TCIMValue& GetValue(TCIMOptions) override { return value_; }
+  const std::string& GetName(TCIMOptions) override { return decl_->GetName({}); }
+  bool IsArray(TCIMOptions) override { return decl_->IsArray({}); }
 
   TRepositoryPropertyDecl& Decl() const { return *decl_; }
   const TCIMValue& Value() const { return value_; }
@@ -38,9 +38,9 @@ class TRepositoryInstance : public ICIMInstance,
                                               TCIMOptions options) override;
   void SetPropertyValue(const std::string& name, const TCIMValue& value,
                         TCIMOptions options) override;
-  boost::shared_ptr<ICIMClass> GetClass(TCIMOptions options) override { return class_; }
+  boost::shared_ptr<ICIMClass> GetClass(TCIMOptions) override { return class_; }
   void EnumerateProperties(const TPropertyCallback& callback, TCIMOptions options) override;
-  bool IsCommitted(TCIMOptions options) override { return committed_; }
+  bool IsCommitted(TCIMOptions) override { return committed_; }
 
   const boost::shared_ptr<TRepositoryClass>& Class() const { return class_; }
   // Throws (12) naming the first key property without a value.

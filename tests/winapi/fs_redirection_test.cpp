@@ -4,6 +4,7 @@
 #include <string>
 #include <thread>
 
+#include "frame/procedure.h"
 #include "test_machine.h"
 #include "winapi/include/windows.h"
 
@@ -28,10 +29,9 @@ class FsRedirection : public ::testing::Test {
     nlohmann::json description = {{"system", {{"wow64", wow64}}}};
     machine_.emplace(description, drive_.path());
     HMODULE kernel32 = GetModuleHandleA("kernel32.dll");
-    disable_ = reinterpret_cast<DisableFunction>(
-        GetProcAddress(kernel32, "Wow64DisableWow64FsRedirection"));
+    disable_ = installedapps_col::procedure<DisableFunction>(kernel32, "Wow64DisableWow64FsRedirection");
     revert_ =
-        reinterpret_cast<RevertFunction>(GetProcAddress(kernel32, "Wow64RevertWow64FsRedirection"));
+        installedapps_col::procedure<RevertFunction>(kernel32, "Wow64RevertWow64FsRedirection");
     ASSERT_TRUE(disable_ && revert_);
   }
 

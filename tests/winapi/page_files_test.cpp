@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/procedure.h"
 #include "test_machine.h"
 #include "winapi/include/windows.h"
 
@@ -49,14 +50,13 @@ BOOL WINAPI collect(LPVOID context, PENUM_PAGE_FILE_INFORMATION info, LPCSTR nam
 
 EnumPageFilesFunction enumPageFiles() {
   HMODULE psapi = LoadLibraryExA("psapi.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-  auto function = reinterpret_cast<EnumPageFilesFunction>(GetProcAddress(psapi, "EnumPageFilesA"));
+  auto function = installedapps_col::procedure<EnumPageFilesFunction>(psapi, "EnumPageFilesA");
   FreeLibrary(psapi);  // the test's machine keeps no count of its own
   return function;
 }
 
 QueryFunction query() {
-  return reinterpret_cast<QueryFunction>(
-      GetProcAddress(GetModuleHandleA("ntdll.dll"), "ZwQuerySystemInformation"));
+  return installedapps_col::procedure<QueryFunction>(GetModuleHandleA("ntdll.dll"), "ZwQuerySystemInformation");
 }
 
 TEST(PageFiles, EnumPageFilesGivesWin32NamesInTheAnsiCodePage) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/procedure.h"
 #include "test_machine.h"
 #include "winapi/include/windows.h"
 
@@ -232,7 +233,7 @@ TEST_F(Registry, IsWow64ProcessIsReachedThroughTheExportTable) {
   for (bool wow64 : {false, true}) {
     makeMachine(wow64);
     auto isWow64 =
-        reinterpret_cast<IsWow64>(GetProcAddress(GetModuleHandleA("kernel32"), "IsWow64Process"));
+        installedapps_col::procedure<IsWow64>(GetModuleHandleA("kernel32"), "IsWow64Process");
     ASSERT_NE(isWow64, nullptr);
     BOOL answer = 7;
     EXPECT_TRUE(isWow64(GetCurrentProcess(), &answer));

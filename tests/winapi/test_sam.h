@@ -17,7 +17,7 @@ struct TestAccount {
   std::uint64_t lastLogon = 0;          // FILETIMEs
   std::uint64_t passwordLastSet = 0;
   std::uint16_t countryCode = 0;
-  std::string fullName, comment, homeDirectory;  // ASCII
+  std::string fullName{}, comment{}, homeDirectory{};  // ASCII
 };
 
 // The FILETIME of "2026-11-22T10:15:30Z".

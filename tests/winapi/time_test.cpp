@@ -27,7 +27,7 @@ const char* const kBerlin = R"({"bias": -60, "daylightBias": -60,
 const char* const kIndia = R"({"bias": -330, "standardName": "India Standard Time"})";
 
 std::string text(const SYSTEMTIME& t) {
-  char out[40];
+  char out[64];
   std::snprintf(out, sizeof out, "%04u-%02u-%02u %02u:%02u:%02u.%03u day %u", t.wYear, t.wMonth,
                 t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds, t.wDayOfWeek);
   return out;
