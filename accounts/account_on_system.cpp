@@ -17,8 +17,8 @@ int AccountOnSystem::buildCIMAssociation(boost::shared_ptr<ICIMNamespace> ns) {
   int count = 0;
   for (const auto& system : systems) {
     for (const auto& account : accounts) {
-      buildCIMInstance(
-          associationRoles(system->GetReference(TCIMOptions()), account->GetReference(TCIMOptions())));
+      buildCIMInstance(associationRoles(system->GetReference(TCIMOptions()),
+                                        account->GetReference(TCIMOptions())));
       ++count;
     }
   }

@@ -2,9 +2,8 @@
 // end, and the values of one association instance.
 #pragma once
 
-#include <vector>
-
 #include <boost/shared_ptr.hpp>
+#include <vector>
 
 #include "frame/types.h"
 #include "host/cim_interfaces.h"

@@ -11,7 +11,8 @@ namespace installedapps_col {
 using namespace NZARVEK20;
 
 int CurrentAccountOnSystem::buildCIMAssociation(boost::shared_ptr<ICIMNamespace> ns) {
-  const TCIMOptions options = {{constants::kPluginLookupOption, TCIMValue(constants::kPluginLookupValue)}};
+  const TCIMOptions options = {
+      {constants::kPluginLookupOption, TCIMValue(constants::kPluginLookupValue)}};
   auto accountClass = ns->GetClass(constants::kAccountClass, options);
   auto systemClass = ns->GetClass(constants::kComputerSystemClass, options);
   const InstanceList accounts = snapshotInstances(accountClass);

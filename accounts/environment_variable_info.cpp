@@ -30,8 +30,7 @@ int OSEnvironmentVariable::buildCIMAssociation(boost::shared_ptr<ICIMNamespace> 
   std::vector<boost::shared_ptr<ICIMInstance>> variables, systems;
   variableClass->EnumerateInstances(TAddToVectorCallback<ICIMInstance>(variables), true,
                                     TCIMOptions());
-  systemClass->EnumerateInstances(TAddToVectorCallback<ICIMInstance>(systems), true,
-                                  TCIMOptions());
+  systemClass->EnumerateInstances(TAddToVectorCallback<ICIMInstance>(systems), true, TCIMOptions());
   int built = 0;
   for (const auto& system : systems) {
     const TCIMValue element(system->GetReference(TCIMOptions()));

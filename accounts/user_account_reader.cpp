@@ -52,8 +52,7 @@ void readPages(Enumerate enumerate, Take take, WantMore wantMore) {
 }
 
 PropertyMap describeAccount(const USER_INFO_3& user, const std::string& name,
-                            const std::map<std::string, std::string>& session,
-                            LogMessage* logger) {
+                            const std::map<std::string, std::string>& session, LogMessage* logger) {
   const std::string fullName = narrowString(user.usri3_full_name);
   CIMValueBuilder arrays{boost::shared_ptr<ICIMClass>()};
   const DWORD flags = user.usri3_flags;
@@ -67,8 +66,10 @@ PropertyMap describeAccount(const USER_INFO_3& user, const std::string& name,
   account[constants::kHost] = arrays.buildStringArrayValue(TOSSpecific::GetMachineName());
   account[constants::kLocalityName] =
       arrays.buildStringArrayValue(std::to_string(user.usri3_country_code));
-  account[constants::kDescriptions] = arrays.buildStringArrayValue(narrowString(user.usri3_comment));
-  account[constants::kAccountEnabled] = TCIMValue(!UserAccountReader::isFlagSet(UF_ACCOUNTDISABLE, flags));
+  account[constants::kDescriptions] =
+      arrays.buildStringArrayValue(narrowString(user.usri3_comment));
+  account[constants::kAccountEnabled] =
+      TCIMValue(!UserAccountReader::isFlagSet(UF_ACCOUNTDISABLE, flags));
   account[constants::kRequiresPassword] =
       TCIMValue(!UserAccountReader::isFlagSet(UF_PASSWD_NOTREQD, flags));
   account[constants::kUserCanChangePassword] =

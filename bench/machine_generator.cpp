@@ -23,10 +23,10 @@ constexpr std::size_t kKeysPerFile = 20000;  // keeps each file far below the lo
 constexpr std::size_t kComponentsPerInf = 25;
 constexpr std::uint32_t kFirstFixNumber = 100000;
 
-const char* const kVendors[] = {"Contoso Ltd.", "Fabrikam, Inc.", "Northwind Traders",
-                                "Adventure Works", "Tailspin Toys", "Litware \"Labs\""};
-const char* const kWords[] = {"Studio", "Runtime", "Viewer", "Agent", "Toolkit", "Suite",
-                              "Driver", "Player", "Server", "Client", "Editor", "Backup"};
+const char* const kVendors[] = {"Contoso Ltd.",    "Fabrikam, Inc.", "Northwind Traders",
+                                "Adventure Works", "Tailspin Toys",  "Litware \"Labs\""};
+const char* const kWords[] = {"Studio", "Runtime", "Viewer", "Agent",  "Toolkit", "Suite",
+                              "Driver", "Player",  "Server", "Client", "Editor",  "Backup"};
 
 // A small deterministic generator (splitmix64): the standard distributions differ by library.
 class Random {
@@ -132,8 +132,8 @@ void uninstallEntry(RegWriter& reg, Random& random, std::size_t index, const Mac
 void installerProduct(RegWriter& reg, Random& random, std::size_t index, const MachineSize& size) {
   reg.key(std::string(kMachine) + kProducts + "\\" + random.hex(32));
   reg.text("ProductName", applicationName(random, index, size));
-  reg.dword("Version", static_cast<std::uint32_t>(random.below(16) << 24 |
-                                                  random.below(256) << 16 | random.below(9999)));
+  reg.dword("Version", static_cast<std::uint32_t>(random.below(16) << 24 | random.below(256) << 16 |
+                                                  random.below(9999)));
   reg.text("PackageCode", random.hex(32));
   reg.dword("Language", 1033);
   reg.dword("AdvertiseFlags", 388);
@@ -257,7 +257,7 @@ void writeComponents(const fs::path& out, const MachineSize& size) {
     families += familyName(file) + "=ocgen.dll,OcEntry," + familyName(file) + ".inf,,7\r\n";
   }
   std::string sysoc = fs::exists(inf / "sysoc.inf") ? readFile(inf / "sysoc.inf")
-                                                     : "[Version]\r\n\r\n[Components]\r\n";
+                                                    : "[Version]\r\n\r\n[Components]\r\n";
   std::size_t section = sysoc.find("[Components]");
   if (section == std::string::npos) throw std::runtime_error("sysoc.inf has no [Components]");
   sysoc.insert(sysoc.find('\n', section) + 1, families);
@@ -283,9 +283,14 @@ void addUsers(nlohmann::json& machine, const MachineSize& size) {
   nlohmann::json& loggedOn = machine["loggedOn"];
   for (std::size_t index = 0; index < size.users; ++index) {
     std::string name = "genuser" + std::to_string(index);
-    users.push_back({{"name", name}, {"fullName", "Generated User " + std::to_string(index)},
-                     {"comment", ""}, {"flags", 513}, {"homeDir", ""}, {"countryCode", 0},
-                     {"passwordAge", 86400 * (index + 1)}, {"lastLogon", 0}});
+    users.push_back({{"name", name},
+                     {"fullName", "Generated User " + std::to_string(index)},
+                     {"comment", ""},
+                     {"flags", 513},
+                     {"homeDir", ""},
+                     {"countryCode", 0},
+                     {"passwordAge", 86400 * (index + 1)},
+                     {"lastLogon", 0}});
     if (index % 10 == 0)
       loggedOn.push_back({{"user", name}, {"domain", "CORP"}, {"logonServer", "\\\\DC1"}});
   }

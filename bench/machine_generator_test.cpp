@@ -86,8 +86,8 @@ TEST(MachineGenerator, WritesAMachineTheLayerLoadsAndRefusesToOverwrite) {
   EXPECT_EQ(machine->description()["users"].size(), 3u);
   EXPECT_TRUE(machine->environment().find("VRXGEN_VAR0"));
   const auto& registry = *machine->registry();
-  EXPECT_EQ(subKeyCount(registry, {L"SOFTWARE", L"Microsoft", L"Windows NT", L"CurrentVersion",
-                                   L"HotFix"}),
+  EXPECT_EQ(subKeyCount(registry,
+                        {L"SOFTWARE", L"Microsoft", L"Windows NT", L"CurrentVersion", L"HotFix"}),
             6u);
   // 60 components over three INF files, each listed in sysoc.inf before the template's line.
   for (const char* inf : {"genfam0.inf", "genfam1.inf", "genfam2.inf"})

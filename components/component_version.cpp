@@ -48,7 +48,8 @@ std::string OSComponentInfo::getFileVersion(std::string path, std::string& descr
       queryString(data, languageAndCodePage[0], languageAndCodePage[1], "FileVersion");
   // "5.1.2600.5512 (xpsp.080413-2111)": the build comment is no part of it.
   version = version.substr(0, version.find(' '));
-  description = queryString(data, languageAndCodePage[0], languageAndCodePage[1], "FileDescription");
+  description =
+      queryString(data, languageAndCodePage[0], languageAndCodePage[1], "FileDescription");
   return version;
 }
 

@@ -135,9 +135,9 @@ FactMap OSComponentInfo::componentRecord(const InfFile& inf, const std::string& 
 
 std::string OSComponentInfo::findComponentVersion(const std::string& dllName) {
   const std::string systemDirectory = directoryText(GetSystemDirectoryA);
-  const std::string setupPath =
-      systemDirectory.empty() ? systemDirectory
-                              : systemDirectory + constants::kSetupSubdirectory + dllName;
+  const std::string setupPath = systemDirectory.empty()
+                                    ? systemDirectory
+                                    : systemDirectory + constants::kSetupSubdirectory + dllName;
   std::string description;
   std::string version = getFileVersion(setupPath, description);
   if (!version.empty()) return version;
@@ -155,13 +155,12 @@ void OSComponentInfo::addBackupProgram(FactList& records) {
   std::string version = findDllInSysPath(fileName, description);
   if (version.empty()) {
     Wow64Redirection redirection;
-    redirection.runWithoutRedirection(
-        [&] { version = findDllInSysPath(fileName, description); });
+    redirection.runWithoutRedirection([&] { version = findDllInSysPath(fileName, description); });
   }
   if (version.empty()) return;
   // Written whether or not the plug-in's own logging is switched on.
-  TRootObject::GetCoreLogger()->Log(3, constants::kBackupNameLabel + fileName + ". " +
-                                           constants::kBackupVersionLabel + version);
+  TRootObject::GetCoreLogger()->Log(
+      3, constants::kBackupNameLabel + fileName + ". " + constants::kBackupVersionLabel + version);
   records.push_back({{constants::kName, backupName},
                      {constants::kProductName, description},
                      {constants::kVendor, constants::kMicrosoftCorporation},

@@ -56,8 +56,8 @@ TCIMValue CIMValueBuilder::buildValue(std::string name, std::string text) {
   } catch (const TVRXException& e) {
     LogMessage* logger = LogMessage::getInstance();
     logger->logDebug(std::string(constants::kErrorProcessingProperty) +
-                     constants::kErrorProcessingProperty + " " +
-                     cimClass->GetName(TCIMOptions()) + ". " + name + "= " + text);
+                     constants::kErrorProcessingProperty + " " + cimClass->GetName(TCIMOptions()) +
+                     ". " + name + "= " + text);
     logger->logError(e.what());
   }
   return result;

@@ -2,10 +2,9 @@
 // schema types each property.
 #pragma once
 
+#include <boost/shared_ptr.hpp>
 #include <string>
 #include <vector>
-
-#include <boost/shared_ptr.hpp>
 
 #include "frame/types.h"
 #include "host/cim_interfaces.h"

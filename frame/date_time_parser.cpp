@@ -80,8 +80,9 @@ TCIMDateTime DateTimeParser::dateFromSeconds(unsigned int seconds) {
   logger->logDebug(constants::kDateFromSeconds);
   _tzset();
   const RuntimeZone zone;
-  const __time64_t time = seconds != 0 ? static_cast<__time64_t>(seconds)
-                                       : static_cast<__time64_t>(static_cast<unsigned int>(zone.secondsWest));
+  const __time64_t time =
+      seconds != 0 ? static_cast<__time64_t>(seconds)
+                   : static_cast<__time64_t>(static_cast<unsigned int>(zone.secondsWest));
   const struct tm* local = _localtime64(&time);
   if (!local) {
     logger->logDebug(constants::kDateGeneratedIncorrectly);
@@ -89,9 +90,10 @@ TCIMDateTime DateTimeParser::dateFromSeconds(unsigned int seconds) {
   }
   TCIMDateTime result;
   result.Set(static_cast<unsigned short>(1900 + local->tm_year),
-             static_cast<unsigned short>(local->tm_mon + 1), static_cast<unsigned int>(local->tm_mday),
-             static_cast<unsigned short>(local->tm_hour), static_cast<unsigned short>(local->tm_min),
-             static_cast<unsigned short>(local->tm_sec), 0, zone.offset());
+             static_cast<unsigned short>(local->tm_mon + 1),
+             static_cast<unsigned int>(local->tm_mday), static_cast<unsigned short>(local->tm_hour),
+             static_cast<unsigned short>(local->tm_min), static_cast<unsigned short>(local->tm_sec),
+             0, zone.offset());
   logger->logTrace(constants::kDateParsed);
   return result;
 }

@@ -51,8 +51,10 @@ std::string RegistryReader::expandEnvironment(const char* text) {
 
 std::string RegistryReader::decodeValue(const char* data, DWORD type, DWORD size) {
   switch (type) {
-    case REG_SZ: return std::string(data, strnlen(data, size));
-    case REG_EXPAND_SZ: return expandEnvironment(std::string(data, strnlen(data, size)).c_str());
+    case REG_SZ:
+      return std::string(data, strnlen(data, size));
+    case REG_EXPAND_SZ:
+      return expandEnvironment(std::string(data, strnlen(data, size)).c_str());
     case REG_DWORD: {
       if (size < sizeof(DWORD)) return std::string();
       DWORD number;
@@ -68,7 +70,8 @@ std::string RegistryReader::decodeValue(const char* data, DWORD type, DWORD size
         text[zero] = ' ';
       return text.substr(0, text.find('\0'));
     }
-    default: return std::string();
+    default:
+      return std::string();
   }
 }
 
@@ -137,8 +140,8 @@ void RegistryReader::enumerateSubKeys(std::vector<std::string>& result, std::str
   for (DWORD index = 0; index < info.subKeys; ++index) {
     DWORD size = kSubKeyNameBuffer;
     // A sub-key that vanished since the count was taken is passed over.
-    if (RegEnumKeyExA(opened.key, index, name.data(), &size, nullptr, nullptr, nullptr,
-                      nullptr) != ERROR_SUCCESS)
+    if (RegEnumKeyExA(opened.key, index, name.data(), &size, nullptr, nullptr, nullptr, nullptr) !=
+        ERROR_SUCCESS)
       continue;
     result.push_back(path + "\\" + std::string(name.data(), size));
   }

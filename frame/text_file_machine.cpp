@@ -28,7 +28,8 @@ std::unique_ptr<std::istream> openTextFile(const std::string& path) {
   const winapi::Machine& machine = winapi::currentMachine();
   const auto wide = winapi::decode(machine.ansiCodePage(), path.data(), path.size());
   if (!wide) return nullptr;
-  const auto utf8 = winapi::encode(winapi::kUtf8CodePage, wide->text.data(), wide->text.size(), "?");
+  const auto utf8 =
+      winapi::encode(winapi::kUtf8CodePage, wide->text.data(), wide->text.size(), "?");
   if (!utf8) return nullptr;
   const auto hostFile = machine.hostPath(utf8->bytes);
   std::error_code error;

@@ -62,7 +62,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   LoadMof(*loaded, mof::parseMof(mof, "fuzz.mof"));
   require(exportedText(ExportMof, "root/test", loaded->GetInstances(), sameText) == mof);
 
-  const auto json = nlohmann::json::parse(exportedText(ExportJson, "root/test", instances, sameText));
+  const auto json =
+      nlohmann::json::parse(exportedText(ExportJson, "root/test", instances, sameText));
   require(json.is_object());
   std::string jsonString;
   AppendJsonString(jsonString, text);

@@ -109,8 +109,7 @@ std::vector<std::string> OSConfiguration::getBcdDescriptions() {
   return blocks;
 }
 
-std::string OSConfiguration::applicationBlock(const std::string& label,
-                                              const std::string& object) {
+std::string OSConfiguration::applicationBlock(const std::string& label, const std::string& object) {
   return label + readBcdElement(elementKey(object, constants::kBcdDescription)) + "\n" +
          constants::kLocationLabel +
          readBcdElement(elementKey(object, constants::kBcdApplicationPath)) + "\n\n";

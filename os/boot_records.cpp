@@ -44,9 +44,12 @@ std::vector<std::string> readBootFileLines(std::istream& file, LogMessage& logge
 
 std::string bcdElementText(DWORD type, const char* data, DWORD size) {
   switch (type) {
-    case REG_SZ: return textAt(data, size, 0);
-    case REG_MULTI_SZ: return joinedGuids(data, size);
-    default: return std::string();
+    case REG_SZ:
+      return textAt(data, size, 0);
+    case REG_MULTI_SZ:
+      return joinedGuids(data, size);
+    default:
+      return std::string();
   }
 }
 

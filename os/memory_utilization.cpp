@@ -9,7 +9,9 @@ using namespace NZARVEK20;
 
 namespace {
 
-TCIMValue kibibytes(DWORDLONG bytes) { return TCIMValue(static_cast<unsigned long long>(bytes >> 10)); }
+TCIMValue kibibytes(DWORDLONG bytes) {
+  return TCIMValue(static_cast<unsigned long long>(bytes >> 10));
+}
 
 }  // namespace
 

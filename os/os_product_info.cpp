@@ -50,11 +50,8 @@ const std::map<std::string, unsigned short> kOSEditionTable = {
 
 // GetProductInfo's answer on a 6.1 workstation to its edition.
 const std::map<DWORD, const char*> kWorkstationProducts = {
-    {1, "Ultimate Edition"},
-    {2, "Home Basic Edition"},
-    {3, "Home Premium Edition"},
-    {4, "Enterprise Edition"},
-    {48, "Professional Edition"},
+    {1, "Ultimate Edition"},   {2, "Home Basic Edition"},    {3, "Home Premium Edition"},
+    {4, "Enterprise Edition"}, {48, "Professional Edition"},
 };
 
 // Suite bits of a server to its edition; the first bit that is set decides.
@@ -98,10 +95,10 @@ bool is64BitSystem() { return runsUnderWow64() || has64BitProcessor(); }
 // The product type the system reports for its version; 0 (undefined) when
 // it can't say.
 DWORD productType(const OSVERSIONINFOEXA& info) {
-  auto getProductInfo = procedure<GetProductInfoFunction>(GetModuleHandleA("kernel32.dll"), "GetProductInfo");
+  auto getProductInfo =
+      procedure<GetProductInfoFunction>(GetModuleHandleA("kernel32.dll"), "GetProductInfo");
   DWORD type = 0;
-  if (!getProductInfo ||
-      !getProductInfo(info.dwMajorVersion, info.dwMinorVersion, 0, 0, &type))
+  if (!getProductInfo || !getProductInfo(info.dwMajorVersion, info.dwMinorVersion, 0, 0, &type))
     return 0;
   return type;
 }
@@ -214,8 +211,7 @@ unsigned short OSProductInfo::getOSType(const OSVERSIONINFOEXA& info) {
   return type;
 }
 
-unsigned short OSProductInfo::typeOf52(const OSVERSIONINFOEXA& info, unsigned short type,
-                                       bool r2) {
+unsigned short OSProductInfo::typeOf52(const OSVERSIONINFOEXA& info, unsigned short type, bool r2) {
   if (info.wProductType == VER_NT_WORKSTATION) return 71;
   if (!is64BitSystem()) return type;
   return r2 ? 73 : 70;
@@ -284,9 +280,8 @@ bool OSProductInfo::hasR2Marker() {
   if (reader.openKey(&key, HKEY_LOCAL_MACHINE, constants::kR2SetupKey)) return false;
   std::vector<BYTE> buffer(kMarkerBuffer, 0);
   DWORD size = kMarkerBuffer;
-  const bool found =
-      RegQueryValueExA(key, "R2BuildNumber", nullptr, nullptr, buffer.data(), &size) ==
-      ERROR_SUCCESS;
+  const bool found = RegQueryValueExA(key, "R2BuildNumber", nullptr, nullptr, buffer.data(),
+                                      &size) == ERROR_SUCCESS;
   reader.closeKey(&key);
   return found;
 }

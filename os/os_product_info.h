@@ -3,9 +3,8 @@
 // reported version, product type, suite and architecture.
 #pragma once
 
-#include <string>
-
 #include <boost/shared_ptr.hpp>
+#include <string>
 
 #include "frame/log_message.h"
 #include "frame/platform.h"

@@ -96,12 +96,11 @@ TCIMValue localTimestamp(__time64_t time, short utcOffset) {
   const struct tm* local = _localtime64(&time);
   if (!local) return TCIMValue();
   TCIMDateTime timestamp;
-  timestamp.Set(static_cast<unsigned short>(local->tm_year + 1900),
-                static_cast<unsigned short>(local->tm_mon + 1),
-                static_cast<unsigned int>(local->tm_mday),
-                static_cast<unsigned short>(local->tm_hour),
-                static_cast<unsigned short>(local->tm_min),
-                static_cast<unsigned short>(local->tm_sec), 0, utcOffset);
+  timestamp.Set(
+      static_cast<unsigned short>(local->tm_year + 1900),
+      static_cast<unsigned short>(local->tm_mon + 1), static_cast<unsigned int>(local->tm_mday),
+      static_cast<unsigned short>(local->tm_hour), static_cast<unsigned short>(local->tm_min),
+      static_cast<unsigned short>(local->tm_sec), 0, utcOffset);
   return TCIMValue(timestamp);
 }
 
@@ -136,9 +135,12 @@ void OSTimeInfo::reportPdhStatus(unsigned int status) { logger->logTrace(pdhStat
 short OSTimeInfo::getUtcOffsetMinutes() {
   TIME_ZONE_INFORMATION zone = {};
   switch (GetTimeZoneInformation(&zone)) {
-    case TIME_ZONE_ID_STANDARD: return static_cast<short>(-zone.Bias);
-    case TIME_ZONE_ID_DAYLIGHT: return static_cast<short>(-(zone.Bias + zone.DaylightBias));
-    default: return 0;
+    case TIME_ZONE_ID_STANDARD:
+      return static_cast<short>(-zone.Bias);
+    case TIME_ZONE_ID_DAYLIGHT:
+      return static_cast<short>(-(zone.Bias + zone.DaylightBias));
+    default:
+      return 0;
   }
 }
 

@@ -89,8 +89,7 @@ PageFileInfo::PageFileList queryPagefileInfo() {
 
 PageFileInfo::PageFileList getPagefileInfo(HMODULE psapi) {
   PageFileInfo::PageFileList list;
-  auto enumPageFiles =
-      procedure<EnumPageFilesFunction>(psapi, "EnumPageFilesA");
+  auto enumPageFiles = procedure<EnumPageFilesFunction>(psapi, "EnumPageFilesA");
   if (!enumPageFiles) {
     LogMessage::getInstance()->logDebug(constants::kNoEnumPageFiles);
     return queryPagefileInfo();
@@ -100,8 +99,7 @@ PageFileInfo::PageFileList getPagefileInfo(HMODULE psapi) {
 }
 
 unsigned long long pageSizeOf(HMODULE psapi) {
-  auto getPerformanceInfo =
-      procedure<GetPerformanceInfoFunction>(psapi, "GetPerformanceInfo");
+  auto getPerformanceInfo = procedure<GetPerformanceInfoFunction>(psapi, "GetPerformanceInfo");
   if (!getPerformanceInfo) {
     SYSTEM_INFO system = {};
     GetSystemInfo(&system);

@@ -40,8 +40,7 @@ const std::map<unsigned int, const char*> kStatusTexts = {
      "pdhStatus=PDH_CALC_NEGATIVE_DENOMINATOR A counter has a negative denominator value."},
     {0x800007D7, "pdhStatus=PDH_CALC_NEGATIVE_TIMEBASE A counter has a negative timebase value."},
     {0x800007D8, "pdhStatus=PDH_CALC_NEGATIVE_VALUE A counter has a negative value."},
-    {0xC0000BC0,
-     "pdhStatus=PDH_CSTATUS_BAD_COUNTERNAME The counter path format is incorrect."},
+    {0xC0000BC0, "pdhStatus=PDH_CSTATUS_BAD_COUNTERNAME The counter path format is incorrect."},
 };
 
 }  // namespace

@@ -38,8 +38,10 @@ SystemInformation::SystemInformation(boost::shared_ptr<ICIMNamespace> outputName
   table[constants::kOperatingSystemClass] = &SystemInformation::make<OSInfo>;
   table[constants::kTimeZoneClass] = &SystemInformation::make<TTimeZoneinfo>;
   table[constants::kAccountClass] = &SystemInformation::make<OSUserInfo>;
-  table[constants::kSystemEnvironmentVariableClass] = &SystemInformation::make<EnvironmentVariableInfo>;
-  table[constants::kUserEnvironmentVariableClass] = &SystemInformation::make<EnvironmentVariableInfo>;
+  table[constants::kSystemEnvironmentVariableClass] =
+      &SystemInformation::make<EnvironmentVariableInfo>;
+  table[constants::kUserEnvironmentVariableClass] =
+      &SystemInformation::make<EnvironmentVariableInfo>;
   table[constants::kOSEnvironmentVariableClass] = &SystemInformation::make<OSEnvironmentVariable>;
   table[constants::kAccountOnSystemClass] = &SystemInformation::make<AccountOnSystem>;
   table[constants::kCurrentAccountOnSystemClass] = &SystemInformation::make<CurrentAccountOnSystem>;

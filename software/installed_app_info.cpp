@@ -121,7 +121,8 @@ PropertyMap InstalledAppInfo::getKeyProperties() {
 }
 
 int InstalledAppInfo::getCIMInstances() {
-  return buildInstancesFromRecords(getInfo(), getKeyProperties(), "InstalledAppInfo::getCIMInstances ");
+  return buildInstancesFromRecords(getInfo(), getKeyProperties(),
+                                   "InstalledAppInfo::getCIMInstances ");
 }
 
 }  // namespace installedapps_col

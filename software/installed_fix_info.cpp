@@ -9,7 +9,8 @@ namespace installedapps_col {
 using namespace NZARVEK20;
 
 int InstalledFixInfo::getCIMInstances() {
-  return buildInstancesFromRecords(WindowsFixInfo().getInfo(), getKeyProperties(), constants::kFixInstancePrefix);
+  return buildInstancesFromRecords(WindowsFixInfo().getInfo(), getKeyProperties(),
+                                   constants::kFixInstancePrefix);
 }
 
 PropertyMap InstalledFixInfo::getKeyProperties() {

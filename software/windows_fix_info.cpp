@@ -74,8 +74,8 @@ FactList WindowsFixInfo::getPropertiesFromRegistry() {
     FactMap raw = reader.readAllValues(path);
     const size_t separator = path.rfind('\\');
     if (separator != std::string::npos) {
-      const FactMap namesake = reader.readAllValues(std::string(constants::kFixUninstallKey) + "\\" +
-                                                    path.substr(separator + 1));
+      const FactMap namesake = reader.readAllValues(std::string(constants::kFixUninstallKey) +
+                                                    "\\" + path.substr(separator + 1));
       raw.insert(namesake.begin(), namesake.end());
     }
     FactMap record = mapFixProperties(raw);

@@ -42,7 +42,7 @@ class TextNarrower {
 // The properties of a fix object, in the order they are read.
 enum Property { kDescription, kHotFixId, kInstallDate, kInstalledOn, kInstalledBy, kPropertyCount };
 const wchar_t* const kPropertyNames[kPropertyCount] = {L"Description", L"HotFixID", L"InstallDate",
-                                                      L"InstalledOn", L"InstalledBy"};
+                                                       L"InstalledOn", L"InstalledBy"};
 
 // A property taken as it is when it is text.
 struct TextRule {

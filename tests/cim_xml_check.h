@@ -20,8 +20,8 @@ inline std::string cimXmlErrors(const std::string& xml) {
                     ("cim_xml_check_" + std::to_string(::getpid()) + "_" + std::to_string(++count));
   const std::string document = base.string() + ".xml", errors = base.string() + ".err";
   std::ofstream(document, std::ios::binary) << xml;
-  const std::string command = std::string("xmllint --noout --dtdvalid ") + VRX_CIM_DTD + " " +
-                              document + " 2>" + errors;
+  const std::string command =
+      std::string("xmllint --noout --dtdvalid ") + VRX_CIM_DTD + " " + document + " 2>" + errors;
   const int status = std::system(command.c_str());
   std::ostringstream text;
   text << std::ifstream(errors).rdbuf();

@@ -4,7 +4,7 @@ set -euo pipefail
 packages=(cmake ninja-build g++ clang libboost-dev nlohmann-json3-dev libcli11-dev
           libgtest-dev libgmock-dev libbenchmark-dev mingw-w64 wine64 libxml2-utils
           libhivex-dev libhivex-bin libwin-hivex-perl msitools wixl valgrind time jq ccache
-          libjemalloc-dev)
+          libjemalloc-dev clang-format)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")

@@ -10,15 +10,33 @@ namespace {
 
 void appendEscaped(std::string& out, char32_t character) {
   switch (character) {
-    case '"': out += "\\\""; return;
-    case '\'': out += "\\'"; return;
-    case '\\': out += "\\\\"; return;
-    case '\b': out += "\\b"; return;
-    case '\t': out += "\\t"; return;
-    case '\n': out += "\\n"; return;
-    case '\f': out += "\\f"; return;
-    case '\r': out += "\\r"; return;
-    case 0: appendUtf8(out, kReplacementCharacter); return;
+    case '"':
+      out += "\\\"";
+      return;
+    case '\'':
+      out += "\\'";
+      return;
+    case '\\':
+      out += "\\\\";
+      return;
+    case '\b':
+      out += "\\b";
+      return;
+    case '\t':
+      out += "\\t";
+      return;
+    case '\n':
+      out += "\\n";
+      return;
+    case '\f':
+      out += "\\f";
+      return;
+    case '\r':
+      out += "\\r";
+      return;
+    case 0:
+      appendUtf8(out, kReplacementCharacter);
+      return;
   }
   if (isControlCharacter(character)) {
     char escape[8];

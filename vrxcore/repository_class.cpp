@@ -1,8 +1,8 @@
-#include "vrxcore/repository_instance.h"
-
 #include <boost/make_shared.hpp>
 #include <unordered_map>
 #include <vector>
+
+#include "vrxcore/repository_instance.h"
 
 namespace NZARVEK20 {
 namespace {

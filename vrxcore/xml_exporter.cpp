@@ -28,14 +28,29 @@ void appendEscaped(std::string& out, std::string_view utf8) {
   }
   for (const char32_t character : decodeUtf8(std::string(utf8))) {
     switch (character) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\t': out += "&#9;"; break;
-      case '\n': out += "&#10;"; break;
-      case '\r': out += "&#13;"; break;
-      default: appendUtf8(out, xmlCanCarry(character) ? character : kReplacementCharacter);
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      case '\t':
+        out += "&#9;";
+        break;
+      case '\n':
+        out += "&#10;";
+        break;
+      case '\r':
+        out += "&#13;";
+        break;
+      default:
+        appendUtf8(out, xmlCanCarry(character) ? character : kReplacementCharacter);
     }
   }
 }

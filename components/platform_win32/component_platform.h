@@ -2,7 +2,10 @@
 // setup INF parser and the version resources.
 #pragma once
 
+// The SDK headers below need <windows.h> before them.
+// clang-format off
 #include "frame/platform.h"
 
 #include <setupapi.h>
 #include <winver.h>
+// clang-format on

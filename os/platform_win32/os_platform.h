@@ -3,8 +3,11 @@
 // platform header because <pdh.h> clashes with the Net API's <lm.h>.
 #pragma once
 
+// The SDK headers below need <windows.h> before them.
+// clang-format off
 #include "frame/platform.h"
 
 #include <pdh.h>
 #include <pdhmsg.h>
 #include <psapi.h>
+// clang-format on

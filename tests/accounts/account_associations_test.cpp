@@ -40,7 +40,8 @@ class AccountAssociations : public ::testing::Test {
   // "group -> part" for each association of `className`, by Name.
   Names pairs(const std::string& className) {
     std::vector<boost::shared_ptr<ICIMInstance>> links;
-    ns->GetClass(className, {})->EnumerateInstances(TAddToVectorCallback<ICIMInstance>(links), true, {});
+    ns->GetClass(className, {})
+        ->EnumerateInstances(TAddToVectorCallback<ICIMInstance>(links), true, {});
     Names result;
     for (const auto& link : links)
       result.push_back(nameOf(link, "GroupComponent") + " -> " + nameOf(link, "PartComponent"));
@@ -84,7 +85,8 @@ TEST_F(AccountAssociations, ThePresentUserJoinsEachSystemOnceWithoutRegardToCase
   EXPECT_EQ(collect("QELTO_CurrentAccountOnSystem"), 0);
   ASSERT_EQ(log.lines().size(), 1u);
   EXPECT_EQ(log.lines()[0].second.rfind("Exception caught Collecting data for class "
-                                        "QELTO_CurrentAccountOnSystem ", 0),
+                                        "QELTO_CurrentAccountOnSystem ",
+                                        0),
             0u);
 }
 

@@ -60,7 +60,8 @@ TEST_F(EnvironmentVariables, AnyOtherClassReadsTheUserKey) {
   // The parent is abstract: each record fails on its own and is logged.
   EXPECT_EQ(collector.getCIMInstances(), 0);
   EXPECT_EQ(log.lines().size(), 2u);
-  EXPECT_EQ(log.lines()[0], (std::pair<int, std::string>{0, "An abstract class cannot have instances"}));
+  EXPECT_EQ(log.lines()[0],
+            (std::pair<int, std::string>{0, "An abstract class cannot have instances"}));
 }
 
 TEST_F(EnvironmentVariables, EachOperatingSystemIsJoinedWithEveryVariable) {

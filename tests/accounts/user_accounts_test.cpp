@@ -13,11 +13,12 @@ using json = nlohmann::json;
 using Names = std::vector<std::string>;
 
 json user(const std::string& name, const std::string& fullName = "", unsigned flags = 0x201) {
-  return {{"name", name},      {"fullName", fullName}, {"comment", ""},   {"flags", flags},
-          {"homeDir", ""},     {"countryCode", 0},     {"passwordAge", 0}, {"lastLogon", 0}};
+  return {{"name", name},  {"fullName", fullName}, {"comment", ""},    {"flags", flags},
+          {"homeDir", ""}, {"countryCode", 0},     {"passwordAge", 0}, {"lastLogon", 0}};
 }
 
-json session(const std::string& name, const std::string& server, const std::string& domain = "CORP") {
+json session(const std::string& name, const std::string& server,
+             const std::string& domain = "CORP") {
   return {{"user", name}, {"domain", domain}, {"logonServer", server}};
 }
 
@@ -59,18 +60,20 @@ class Accounts : public ::testing::Test {
 TEST_F(Accounts, LoggedOnLocalAccountsCarryTheirFacts) {
   // Each flag turns its boolean over on its own.
   json alice = user("alice", "Alice Doe", 0x201 | 0x20);
-  alice.update({{"countryCode", 49}, {"passwordAge", 100000}, {"lastLogon", 1763800000},
+  alice.update({{"countryCode", 49},
+                {"passwordAge", 100000},
+                {"lastLogon", 1763800000},
                 {"homeDir", "C:\\Users\\alice"}});
   json dave = user("dave", "", 0x2 | 0x40 | 0x800000);
   dave["comment"] = "Operator";
-  const AccountList accounts = accountsOn(
-      {{"computerName", "WKS-7"},
-       {"environment", {{"USERNAME", "dave"}}},
-       {"users", {alice, user("bob"), user("Carol"), dave}},
-       // The first session of a user counts; names match with case.
-       {"loggedOn",
-        {session("alice", "\\\\DC1"), session("alice", "\\\\DC2", "OTHER"), session("carol", "x"),
-         session("dave", "WKS-7", "WKS-7")}}});
+  const AccountList accounts =
+      accountsOn({{"computerName", "WKS-7"},
+                  {"environment", {{"USERNAME", "dave"}}},
+                  {"users", {alice, user("bob"), user("Carol"), dave}},
+                  // The first session of a user counts; names match with case.
+                  {"loggedOn",
+                   {session("alice", "\\\\DC1"), session("alice", "\\\\DC2", "OTHER"),
+                    session("carol", "x"), session("dave", "WKS-7", "WKS-7")}}});
   ASSERT_EQ(accounts.size(), 2u);
 
   const PropertyMap& first = accounts[0];
@@ -166,12 +169,14 @@ TEST_F(Accounts, TheEnvironmentSuppliesThePresentUserWhenNoNameMatches) {
 
 TEST_F(Accounts, InstancesNameTheirSystemAndAFailureZeroesTheCount) {
   auto ns = makeSchemaNamespace();
-  const json description = {{"computerName", "WKS-7"},
-                            {"environment", {{"USERNAME", "alice"}}},
-                            {"users", {user("alice", "Alice Doe"), user("bob", "Same"),
-                                       user("carl", "Same"), user("dora")}},
-                            {"loggedOn", {session("alice", "DC"), session("bob", "DC"),
-                                          session("carl", "DC"), session("dora", "DC")}}};
+  const json description = {
+      {"computerName", "WKS-7"},
+      {"environment", {{"USERNAME", "alice"}}},
+      {"users",
+       {user("alice", "Alice Doe"), user("bob", "Same"), user("carl", "Same"), user("dora")}},
+      {"loggedOn",
+       {session("alice", "DC"), session("bob", "DC"), session("carl", "DC"),
+        session("dora", "DC")}}};
   RegistryMachine machine("", description);
   // Two accounts with one Name share an object path: the second fails,
   // and what was committed before it stays.
@@ -182,9 +187,10 @@ TEST_F(Accounts, InstancesNameTheirSystemAndAFailureZeroesTheCount) {
             (Names{"QELTO_ComputerSystem", "QELTO_ComputerSystem"}));
   EXPECT_EQ(propertyValues(*ns, "SystemName"), (Names{"WKS-7", "WKS-7"}));
   EXPECT_EQ(log.lines().back(),
-            (std::pair<int, std::string>{3, "OSUserInfo::getCIMInstances Encountered an error"
-                                            "\t\t\t\t\t\t\t\t\tgenerating CIM instance. Error "
-                                            "Code: 11"}));
+            (std::pair<int, std::string>{3,
+                                         "OSUserInfo::getCIMInstances Encountered an error"
+                                         "\t\t\t\t\t\t\t\t\tgenerating CIM instance. Error "
+                                         "Code: 11"}));
 
   ns->ClearInstances({});
   json single = description;

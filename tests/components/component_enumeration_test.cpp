@@ -153,8 +153,9 @@ TEST_F(ComponentEnumeration, EachComponentOfEachFamilyBecomesAnInstance) {
                                   "Performs basic arithmetic tasks.", "", "", "", "", ""}));
   EXPECT_EQ(values("Parent"),
             (Names{"", "AccessUtil", "accessutil", "ACCESSUTIL", "", "Games", ""}));
-  const Names versions = {"5.1.2600.5512", "5.1.2600.5512",  "5.1.2600.5512", "6.0.6001.18000",
-                          "6.0.6001.18000", "",              "5.1.2600.5512"};
+  const Names versions = {"5.1.2600.5512",  "5.1.2600.5512",  "5.1.2600.5512",
+                          "6.0.6001.18000", "6.0.6001.18000", "",
+                          "5.1.2600.5512"};
   EXPECT_EQ(values("Version"), versions);
   EXPECT_EQ(values("IdentifyingNumber"), versions);
   EXPECT_EQ(values("DLLName"), (Names{"ocgen.dll", "ocgen.dll", "ocgen.dll", "wbem.dll",
@@ -166,31 +167,36 @@ TEST_F(ComponentEnumeration, EachComponentOfEachFamilyBecomesAnInstance) {
   EXPECT_EQ(values("ComponentInstalled"), (Names{"1", "2", "1", "0", "0", "3", "2"}));
   EXPECT_EQ(values("Hidden"), (Names{"false", "false", "false", "true", "false", "false", ""}));
   EXPECT_EQ(log.lines(),
-            (Lines{{3, "OsComponentInfo::getInfo C:\\WINDOWS\\inf\\gone.inf cannot be parsed "
-                       "because file does not exist. "},
-                   {3, "OsComponentInfo::findDllInSysPath zoneoc.dll cannot be found in the "
-                       "directories of the system PATH variable to obtain the version."},
+            (Lines{{3,
+                    "OsComponentInfo::getInfo C:\\WINDOWS\\inf\\gone.inf cannot be parsed "
+                    "because file does not exist. "},
+                   {3,
+                    "OsComponentInfo::findDllInSysPath zoneoc.dll cannot be found in the "
+                    "directories of the system PATH variable to obtain the version."},
                    {3, "bpName = ntbackup.exe. version = 5.1.2600.5512"},
-                   {3, "OSComponentInfo::getCIMInstances Encountered an error generating CIM "
-                       "instances. Error Code: 11"},
+                   {3,
+                    "OSComponentInfo::getCIMInstances Encountered an error generating CIM "
+                    "instances. Error Code: 11"},
                    {3, "Fixing up instance ...QELTO_OSComponent with propertyINFName"}}));
 }
 
 TEST_F(ComponentEnumeration, A32BitProcessLooksBehindTheRedirectionOfSystem32) {
   nlohmann::json description = windowsXp();
   description["system"]["wow64"] = true;
-  OsMachine machine(description, "",
-                    {{"drive_c/WINDOWS/inf/sysoc.inf", infText(kBaseFamilyOnly)},
-                     {"drive_c/WINDOWS/inf/base.inf", infText(kBaseInf)},
-                     {"drive_c/WINDOWS/system32/setup/ocgen.dll", versionedFile("build_comment.dll")},
-                     {"drive_c/WINDOWS/system32/ntbackup.exe", versionedFile("ntbackup.exe")}});
+  OsMachine machine(
+      description, "",
+      {{"drive_c/WINDOWS/inf/sysoc.inf", infText(kBaseFamilyOnly)},
+       {"drive_c/WINDOWS/inf/base.inf", infText(kBaseInf)},
+       {"drive_c/WINDOWS/system32/setup/ocgen.dll", versionedFile("build_comment.dll")},
+       {"drive_c/WINDOWS/system32/ntbackup.exe", versionedFile("ntbackup.exe")}});
   EXPECT_EQ(collect("QELTO_OSComponent"), 4);
   EXPECT_EQ(values("Version"),
             (Names{"5.1.2600.5512", "5.1.2600.5512", "5.1.2600.5512", "5.1.2600.5512"}));
   // The first walk of PATH sees SysWOW64 where it names system32.
   EXPECT_EQ(log.lines(),
-            (Lines{{3, "OsComponentInfo::findDllInSysPath ntbackup.exe cannot be found in the "
-                       "directories of the system PATH variable to obtain the version."},
+            (Lines{{3,
+                    "OsComponentInfo::findDllInSysPath ntbackup.exe cannot be found in the "
+                    "directories of the system PATH variable to obtain the version."},
                    {3, "bpName = ntbackup.exe. version = 5.1.2600.5512"},
                    {3, "Fixing up instance ...QELTO_OSComponent with propertyINFName"}}));
 }
@@ -214,10 +220,12 @@ TEST_F(ComponentEnumeration, MissingSetupFilesLeaveOnlyWhatCanStillBeFound) {
     EXPECT_EQ(collect("QELTO_OSComponent"), 0);
     EXPECT_TRUE(ns->GetInstances().empty());
     EXPECT_EQ(log.lines(),
-              (Lines{{3, "OsComponentInfo::getINFFileList Sysoc.inf File has no Component "
-                         "sections"},
-                     {3, "OsComponentInfo::findDllInSysPath ntbackup.exe cannot be found in the "
-                         "directories of the system PATH variable to obtain the version."}}));
+              (Lines{{3,
+                      "OsComponentInfo::getINFFileList Sysoc.inf File has no Component "
+                      "sections"},
+                     {3,
+                      "OsComponentInfo::findDllInSysPath ntbackup.exe cannot be found in the "
+                      "directories of the system PATH variable to obtain the version."}}));
   }
   log.clear();
   {
@@ -244,11 +252,11 @@ TEST_F(ComponentEnumeration, InfTextsBeyondTheirBufferStayWithinIt) {
   const std::string family = "[Version]\nSignature=\"$Windows NT$\"\n\n[Optional Components]\n" +
                              name + "\n" + longName + "\n\n[" + name + "]\nOptionDesc=\"" + desc +
                              "\"\nTip=\"" + longTip + "\"\n";
-  OsMachine machine(windowsXp(), "",
-                    {{"drive_c/WINDOWS/inf/sysoc.inf", infText(kBaseFamilyOnly)},
-                     {"drive_c/WINDOWS/inf/base.inf", infText(family)},
-                     {"drive_c/WINDOWS/system32/setup/ocgen.dll",
-                      versionedFile("build_comment.dll")}});
+  OsMachine machine(
+      windowsXp(), "",
+      {{"drive_c/WINDOWS/inf/sysoc.inf", infText(kBaseFamilyOnly)},
+       {"drive_c/WINDOWS/inf/base.inf", infText(family)},
+       {"drive_c/WINDOWS/system32/setup/ocgen.dll", versionedFile("build_comment.dll")}});
   collect("QELTO_OSComponent");
   const Names names = values("Name");
   ASSERT_FALSE(names.empty());

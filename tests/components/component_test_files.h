@@ -2,12 +2,12 @@
 // build made for them, and a machine with files on its C: drive.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "tests/os/os_test_machine.h"
 

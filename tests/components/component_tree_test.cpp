@@ -48,7 +48,8 @@ class ComponentTree : public ::testing::Test {
       if (instance->GetReference({}).ToString() != path) continue;
       const std::string name = instance->GetProperty("Name", {})->GetValue({});
       if (instance->GetClass({})->GetName({}) == "QELTO_OperatingSystem") return name;
-      return name + "@" + static_cast<std::string>(instance->GetProperty("INFName", {})->GetValue({}));
+      return name + "@" +
+             static_cast<std::string>(instance->GetProperty("INFName", {})->GetValue({}));
     }
     return "?";
   }
@@ -68,10 +69,12 @@ TEST_F(ComponentTree, EveryOperatingSystemHoldsEveryTopLevelComponent) {
   component("ntbackup", "", nullptr);  // Parent never set reads as empty
   component("iis", "iis.inf", "");
   EXPECT_EQ(collect("QELTO_OSBaseComponent"), 6);
-  EXPECT_EQ(links("QELTO_OSBaseComponent"),
-            (Pairs{{"first", "AccessUtil@a.inf"}, {"first", "ntbackup@"}, {"first", "iis@iis.inf"},
-                   {"second", "AccessUtil@a.inf"}, {"second", "ntbackup@"},
-                   {"second", "iis@iis.inf"}}));
+  EXPECT_EQ(links("QELTO_OSBaseComponent"), (Pairs{{"first", "AccessUtil@a.inf"},
+                                                   {"first", "ntbackup@"},
+                                                   {"first", "iis@iis.inf"},
+                                                   {"second", "AccessUtil@a.inf"},
+                                                   {"second", "ntbackup@"},
+                                                   {"second", "iis@iis.inf"}}));
   EXPECT_TRUE(log.lines().empty());
 }
 
@@ -86,17 +89,16 @@ TEST_F(ComponentTree, EachChildGoesUnderTheFirstComponentOfItsParentsName) {
   component("orphan", "x.inf", "Nowhere");
   component("loop", "x.inf", "LOOP");
   EXPECT_EQ(collect("QELTO_OSSubComponent"), 6);
-  EXPECT_EQ(links("QELTO_OSSubComponent"),
-            (Pairs{{"AccessUtil@a.inf", "AccessOpt@a.inf"},
-                   {"AccessOpt@a.inf", "calc@a.inf"},
-                   {"AccessUtil@a.inf", "Games@games.inf"},
-                   {"Games@games.inf", "freecell@games.inf"},
-                   {"Games@games.inf", "zonegames@igames.inf"},
-                   {"loop@x.inf", "loop@x.inf"}}));
-  EXPECT_EQ(log.lines(),
-            (std::vector<std::pair<int, std::string>>{
-                {3, "OSSubComponent::buildCIMAssociation During SoftwareFeatureComponent "
-                    "Association can't find parent with ID Nowhere"}}));
+  EXPECT_EQ(links("QELTO_OSSubComponent"), (Pairs{{"AccessUtil@a.inf", "AccessOpt@a.inf"},
+                                                  {"AccessOpt@a.inf", "calc@a.inf"},
+                                                  {"AccessUtil@a.inf", "Games@games.inf"},
+                                                  {"Games@games.inf", "freecell@games.inf"},
+                                                  {"Games@games.inf", "zonegames@igames.inf"},
+                                                  {"loop@x.inf", "loop@x.inf"}}));
+  EXPECT_EQ(log.lines(), (std::vector<std::pair<int, std::string>>{
+                             {3,
+                              "OSSubComponent::buildCIMAssociation During SoftwareFeatureComponent "
+                              "Association can't find parent with ID Nowhere"}}));
 }
 
 TEST_F(ComponentTree, AFailureOtherThanAMissingPropertyEndsTheAssociationQuietly) {

@@ -9,9 +9,7 @@ namespace {
 using namespace NZARVEK20;
 using Lines = std::vector<std::pair<int, std::string>>;
 
-nlohmann::json withPath(const std::string& path) {
-  return {{"environment", {{"Path", path}}}};
-}
+nlohmann::json withPath(const std::string& path) { return {{"environment", {{"Path", path}}}}; }
 
 class ComponentVersions : public ::testing::Test {
  protected:

@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-
 #include "host/plugin.h"
 #include "host/root_object.h"
 #include "plugin/registration.h"

@@ -60,12 +60,15 @@ TEST_F(WithPacificZone, TextThatIsNoDate) {
   EXPECT_EQ(parse("2010-01-31"), "");  // year first reads as month 2010
   EXPECT_EQ(parse("2/30/2009"), "");   // no such day
   EXPECT_EQ(log.lines(),
-            (Lines{{4, "InstalledAppInfo::geNZARVEK20::TCIMValueForProperty Date time information "
-                       "was generated incorrectly."},
-                   {3, "InstalledAppInfo::geNZARVEK20::TCIMValueForProperty Encountered an unknown "
-                       "date time format -> 2010-01-31"},
-                   {3, "InstalledAppInfo::geNZARVEK20::TCIMValueForProperty Encountered an unknown "
-                       "date time format -> 2/30/2009"}}));
+            (Lines{{4,
+                    "InstalledAppInfo::geNZARVEK20::TCIMValueForProperty Date time information "
+                    "was generated incorrectly."},
+                   {3,
+                    "InstalledAppInfo::geNZARVEK20::TCIMValueForProperty Encountered an unknown "
+                    "date time format -> 2010-01-31"},
+                   {3,
+                    "InstalledAppInfo::geNZARVEK20::TCIMValueForProperty Encountered an unknown "
+                    "date time format -> 2/30/2009"}}));
 }
 
 TEST_F(WithPacificZone, SecondsAndIntervals) {
@@ -127,8 +130,9 @@ TEST_F(WithPacificZone, TheSchemaTypesEachFact) {
   log.clear();
   EXPECT_TRUE(builder.buildValue("Weight", "12 kg").IsNull());
   EXPECT_EQ(log.lines(),
-            (Lines{{3, "Error processing property Error processing property  T_SystemSetting. "
-                       "Weight= 12 kg"},
+            (Lines{{3,
+                    "Error processing property Error processing property  T_SystemSetting. "
+                    "Weight= 12 kg"},
                    {0, "The value does not convert to the property's type"}}));
   EXPECT_TRUE(CIMValueBuilder(nullptr).buildValue("Weight", "1").IsNull());
   EXPECT_EQ(builder.buildStringArrayValue(""), TCIMValue(CIM_STRING, 1, {TCIMValue("")}));

@@ -141,9 +141,9 @@ TEST_F(BootConfiguration, TheStoreGivesOneBlockPerSystemAndThreeMore) {
 TEST_F(BootConfiguration, MissingStoreObjectsKeepTheirLabels) {
   OsMachine current(windows7(), bootStore(false));
   EXPECT_EQ(OSConfiguration().getBcdDescriptions()[4], "Memory Test: \nLocation: \n\n");
-  EXPECT_EQ(OSConfiguration().readBcdElement("BCD00000000\\Objects\\" + kBroken +
-                                             "\\Elements\\12000004"),
-            "");
+  EXPECT_EQ(
+      OSConfiguration().readBcdElement("BCD00000000\\Objects\\" + kBroken + "\\Elements\\12000004"),
+      "");
   EXPECT_EQ(OSConfiguration().readBcdElement("BCD00000000\\Objects\\" + kBootManager +
                                              "\\Elements\\24000001"),
             kSeven + kServer + kBroken);

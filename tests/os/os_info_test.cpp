@@ -13,21 +13,21 @@ using Names = std::vector<std::string>;
 
 const Names kKeys = {"CSCreationClassName", "CSName", "CreationClassName", "Name"};
 const Names kTime = {"LastBootUpTime", "UpTime"};
-const Names kMemory = {"FreePhysicalMemory",      "FreeSpaceInPagingFiles", "FreeVirtualMemory",
-                       "MemoryLoad",              "SizeStoredInPagingFiles",
-                       "TotalVirtualMemorySize",  "TotalVisibleMemorySize"};
-const Names kPerformance = {"CommitLimit", "CommitPeak",     "CommitTotal",       "HandleCount",
-                            "KernelNonpaged", "KernelPaged", "KernelTotal",       "PageSize",
+const Names kMemory = {
+    "FreePhysicalMemory",      "FreeSpaceInPagingFiles", "FreeVirtualMemory",     "MemoryLoad",
+    "SizeStoredInPagingFiles", "TotalVirtualMemorySize", "TotalVisibleMemorySize"};
+const Names kPerformance = {"CommitLimit",       "CommitPeak",    "CommitTotal",  "HandleCount",
+                            "KernelNonpaged",    "KernelPaged",   "KernelTotal",  "PageSize",
                             "PhysicalAvailable", "PhysicalTotal", "ProcessCount", "SystemCache",
                             "ThreadCount"};
 const Names kVersion = {"FixLevel", "OSSubType", "OSType"};
 const Names kRegistry = {"BuildID", "ProductName", "Version"};
 const Names kBoot = {"BootConfigurationFileContents", "BootConfigurationFileName"};
 
-const std::string kProduct = machineKey(
-    "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion",
-    stringValue("CurrentVersion", "6.1") + stringValue("CurrentBuildNumber", "7601") +
-        stringValue("ProductName", "Windows 7 Professional"));
+const std::string kProduct =
+    machineKey("SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion",
+               stringValue("CurrentVersion", "6.1") + stringValue("CurrentBuildNumber", "7601") +
+                   stringValue("ProductName", "Windows 7 Professional"));
 
 Names sorted(std::vector<Names> groups) {
   Names all = {"ProductVendor"};
@@ -45,17 +45,15 @@ class OperatingSystem : public ::testing::Test {
   // The properties of the one instance that have a value.
   Names setProperties() {
     std::vector<boost::shared_ptr<ICIMProperty>> properties;
-    ns->GetInstances().at(0)->EnumerateProperties(
-        TAddToVectorCallback<ICIMProperty>(properties), {});
+    ns->GetInstances().at(0)->EnumerateProperties(TAddToVectorCallback<ICIMProperty>(properties),
+                                                  {});
     Names names;
     for (const auto& property : properties)
       if (!property->GetValue({}).IsNull()) names.push_back(property->GetName({}));
     std::sort(names.begin(), names.end());
     return names;
   }
-  std::string value(const std::string& property) {
-    return propertyValues(*ns, property).at(0);
-  }
+  std::string value(const std::string& property) { return propertyValues(*ns, property).at(0); }
 
   boost::shared_ptr<TRepositoryNamespace> ns = makeSchemaNamespace();
   LogCapture log;
@@ -65,8 +63,8 @@ TEST_F(OperatingSystem, OneInstanceGathersEverySource) {
   OsMachine machine(windows7(), kProduct, {{"drive_c/boot.ini", "[boot loader]\r\n"}});
   EXPECT_EQ(collect(), 1);
   ASSERT_EQ(ns->GetInstances().size(), 1u);
-  EXPECT_EQ(setProperties(), sorted({kKeys, kTime, kMemory, kPerformance, kVersion, kRegistry,
-                                     kBoot}));
+  EXPECT_EQ(setProperties(),
+            sorted({kKeys, kTime, kMemory, kPerformance, kVersion, kRegistry, kBoot}));
   EXPECT_EQ(value("CSName"), "WKS-042");
   EXPECT_EQ(value("Name"), "WKS-042");
   EXPECT_EQ(value("CSCreationClassName"), "QELTO_ComputerSystem");
@@ -119,8 +117,8 @@ TEST_F(OperatingSystem, EachFailingSourceLeavesTheRestOfTheInstance) {
 
 TEST_F(OperatingSystem, WithEverySourceFailingTheNamesAndTimesRemain) {
   nlohmann::json description = {{"computerName", "BARE"},
-                                 {"now", "2026-11-22T10:15:30Z"},
-                                 {"fail", {{"ExpandEnvironmentStringsA", 0}}}};
+                                {"now", "2026-11-22T10:15:30Z"},
+                                {"fail", {{"ExpandEnvironmentStringsA", 0}}}};
   OsMachine machine(description);
   EXPECT_EQ(collect(), 1);
   EXPECT_EQ(setProperties(), (Names{"CSCreationClassName", "CSName", "CreationClassName",
@@ -133,8 +131,9 @@ TEST_F(OperatingSystem, HostErrorsCostTheInstanceAndAreLogged) {
   EXPECT_EQ(OSInfo(nullptr).getCIMInstances(), 0);
   ASSERT_EQ(log.lines().size(), 1u);
   EXPECT_EQ(log.lines()[0], (std::pair<int, std::string>{
-                                3, "OSInfo::getCIMInstances Encountered an error Encountered an "
-                                   "error generating CIM instances. Error Code: 7"}));
+                                3,
+                                "OSInfo::getCIMInstances Encountered an error Encountered an "
+                                "error generating CIM instances. Error Code: 7"}));
   OSInfo collector(ns->GetClass("QELTO_OperatingSystem", {}));
   EXPECT_EQ(collector.getCIMInstances(), 1);
   // Nothing is kept between calls: the second instance has the first one's

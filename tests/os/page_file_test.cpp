@@ -74,7 +74,8 @@ TEST_F(PageFiles, SourcesThatFailGiveFewerFacts) {
     EXPECT_EQ(ns->GetInstances().size(), count);
   }
   {
-    OsMachine machine(with("missing", {"psapi.dll!EnumPageFilesA", "ntdll.dll!ZwQuerySystemInformation"}));
+    OsMachine machine(
+        with("missing", {"psapi.dll!EnumPageFilesA", "ntdll.dll!ZwQuerySystemInformation"}));
     auto count = ns->GetInstances().size();
     collect();
     EXPECT_EQ(ns->GetInstances().size(), count);
@@ -97,9 +98,10 @@ TEST_F(PageFiles, AFailedInstanceEndsTheListAndKeepsWhatWasCommitted) {
   OsMachine machine(pagedMachine());
   EXPECT_EQ(collect(), 0);
   EXPECT_EQ(propertyValues(*ns, "Name"), (Names{"C:\\pagefile.sys", "C:\\hiberfil\\pagefile.sys"}));
-  EXPECT_EQ(log.lines(), (Lines{{3, "PageFileInfo::buildCIMInstances Encountered an error "
-                                    "Encountered an error generating CIM instances. Error Code: "
-                                    "11"}}));
+  EXPECT_EQ(log.lines(), (Lines{{3,
+                                 "PageFileInfo::buildCIMInstances Encountered an error "
+                                 "Encountered an error generating CIM instances. Error Code: "
+                                 "11"}}));
 }
 
 }  // namespace

@@ -10,9 +10,8 @@ using namespace NZARVEK20;
 using Lines = std::vector<std::pair<int, std::string>>;
 
 const std::string kCurrentVersionKey = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
-const std::string kR2Marker =
-    machineKey("SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\R2Setup",
-               stringValue("R2BuildNumber", "2214"));
+const std::string kR2Marker = machineKey("SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\R2Setup",
+                                         stringValue("R2BuildNumber", "2214"));
 const std::string kMiniNT = machineKey("SYSTEM\\CurrentControlSet\\Control\\MiniNT", "");
 
 std::string currentVersion(const std::string& version, const std::string& productName,
@@ -56,19 +55,17 @@ const Edition kEditions[] = {
     {"2008 R2 Enterprise", 6, 1, 2, 0x2 | 0x1, 0, 9, false, "", 82, 6},
     {"2008 R2 SBS restricted", 6, 1, 3, 0x20, 0, 9, false, "", 82, 0},
     {"PE of 7 x64", 6, 1, 1, 0, 0, 9, false,
-     currentVersion("6.1", "Windows 7 Preinstallation Environment", "7600.winmain_win7rtm"), 80,
-     4},
+     currentVersion("6.1", "Windows 7 Preinstallation Environment", "7600.winmain_win7rtm"), 80, 4},
     {"PE of 7", 6, 1, 1, 0, 0, 0, false,
      currentVersion("6.1", "Windows Preinstallation Environment"), 79, 4},
     {"PE named otherwise", 6, 1, 1, 0, 0, 0, false,
      currentVersion("6.1", "Windows PE", "7600.winmain_win7rtm"), 83, 4},
     {"8", 6, 2, 1, 0, 48, 9, false, currentVersion("6.2", "Windows 8 Pro"), 85, 4},
-    {"2012", 6, 2, 3, 0, 0, 9, false, currentVersion("6.2", "Windows Server 2012 Standard"), 87,
-     8},
-    {"2012 R2", 6, 2, 3, 0, 0, 9, false,
-     currentVersion("6.3", "Windows Server 2012 R2 Standard"), 86, 8},
-    {"2016", 6, 2, 3, 0x80, 0, 9, false,
-     currentVersion("6.3", "Windows Server 2016 Datacenter"), 88, 5},
+    {"2012", 6, 2, 3, 0, 0, 9, false, currentVersion("6.2", "Windows Server 2012 Standard"), 87, 8},
+    {"2012 R2", 6, 2, 3, 0, 0, 9, false, currentVersion("6.3", "Windows Server 2012 R2 Standard"),
+     86, 8},
+    {"2016", 6, 2, 3, 0x80, 0, 9, false, currentVersion("6.3", "Windows Server 2016 Datacenter"),
+     88, 5},
     {"2012 R2 32-bit", 6, 2, 3, 0, 0, 0, false,
      currentVersion("6.3", "Windows Server 2012 R2 Standard"), 0, 8},
     {"10", 10, 0, 1, 0, 48, 9, false, "", 0, 4},
@@ -83,8 +80,7 @@ nlohmann::json describe(const Edition& edition) {
                         {"suiteMask", edition.suiteMask},
                         {"productType", edition.productType},
                         {"productInfo", edition.productInfo}};
-  machine["system"] = {{"processorArchitecture", edition.architecture},
-                       {"wow64", edition.wow64}};
+  machine["system"] = {{"processorArchitecture", edition.architecture}, {"wow64", edition.wow64}};
   return machine;
 }
 
@@ -162,17 +158,16 @@ TEST_F(ProductInfo, RegistryFactsAndTheFixLevelBecomeProperties) {
   const PropertyMap values = OSProductInfo(osClass).getProductProperties();
   std::map<std::string, std::string> texts;
   for (const auto& value : values) texts[value.first] = static_cast<std::string>(value.second);
-  EXPECT_EQ(texts, (std::map<std::string, std::string>{
-                       {"BuildID", "7601"},
-                       {"FixLevel", "Service Pack 1"},
-                       {"InstallDate", "20100101000000.000000+000"},
-                       {"OSSubType", "17"},
-                       {"OSType", "83"},
-                       {"ProductID", "00371-OEM-8992671-00524"},
-                       {"ProductName", "Windows 7 Professional"},
-                       {"ProductVendor", "Microsoft Corporation"},
-                       {"RegisteredOwner", "alice"},
-                       {"Version", "6.1"}}));
+  EXPECT_EQ(texts, (std::map<std::string, std::string>{{"BuildID", "7601"},
+                                                       {"FixLevel", "Service Pack 1"},
+                                                       {"InstallDate", "20100101000000.000000+000"},
+                                                       {"OSSubType", "17"},
+                                                       {"OSType", "83"},
+                                                       {"ProductID", "00371-OEM-8992671-00524"},
+                                                       {"ProductName", "Windows 7 Professional"},
+                                                       {"ProductVendor", "Microsoft Corporation"},
+                                                       {"RegisteredOwner", "alice"},
+                                                       {"Version", "6.1"}}));
   EXPECT_EQ(values.at("OSType").GetType(), CIM_UINT16);
 }
 
@@ -181,8 +176,8 @@ TEST_F(ProductInfo, WithoutServicePackTheFixLevelSaysSo) {
   machine["version"]["csdVersion"] = "";
   OsMachine seven(machine);
   EXPECT_EQ(OSProductInfo(osClass).getVersionFacts().at("FixLevel"), "No service packs installed");
-  EXPECT_EQ(linesWith(log, "ix"), (Lines{{4, "Size of Fix Level:26"},
-                                         {4, "Did not find fix level, adding property"}}));
+  EXPECT_EQ(linesWith(log, "ix"),
+            (Lines{{4, "Size of Fix Level:26"}, {4, "Did not find fix level, adding property"}}));
   EXPECT_EQ(linesWith(log, "Service Pack:"), (Lines{{4, "Service Pack:"}}));
 }
 

@@ -63,8 +63,9 @@ TEST_F(TimeInfo, ACounterThatCantBeAddedLeavesTheBootTimeAtTheNextSecond) {
   EXPECT_EQ(text(values.at("UpTime")), "00000000000000.000000:000");
   const Lines reading = {
       {4, kSuccess},
-      {4, "pdhStatus=PDH_CSTATUS_NO_COUNTER  The specified counter was not found in the "
-          "specified object."},
+      {4,
+       "pdhStatus=PDH_CSTATUS_NO_COUNTER  The specified counter was not found in the "
+       "specified object."},
       {4, "pdhStatus=PDH_INVALID_HANDLE"}};
   Lines both = reading;
   both.insert(both.end(), reading.begin(), reading.end());
@@ -90,13 +91,16 @@ TEST_F(TimeInfo, StatusTextsKeepTheirExactWording) {
   info.reportPdhStatus(0x800007D3);
   info.reportPdhStatus(0xC0000BC6);
   EXPECT_EQ(log.lines(),
-            (Lines{{4, "pdhStatus=PDH_MORE_DATA  The supplied buffer was not large enough to store "
-                       "all of the counter data. Allocate a larger buffer and execute the "
-                       "function again. "},
-                   {4, "pdhStatus=PDH_CSTATUS_NEW_DATA  The data for the counter was returned "
-                       "successfully and is different from the last time the counter was read."},
-                   {4, "pdhStatus=PDH_CSTATUS_ITEM_NOT_VALIDATED The counter has been added to "
-                       "the query, but has not been validated nor accessed."},
+            (Lines{{4,
+                    "pdhStatus=PDH_MORE_DATA  The supplied buffer was not large enough to store "
+                    "all of the counter data. Allocate a larger buffer and execute the "
+                    "function again. "},
+                   {4,
+                    "pdhStatus=PDH_CSTATUS_NEW_DATA  The data for the counter was returned "
+                    "successfully and is different from the last time the counter was read."},
+                   {4,
+                    "pdhStatus=PDH_CSTATUS_ITEM_NOT_VALIDATED The counter has been added to "
+                    "the query, but has not been validated nor accessed."},
                    {4, "Unable to Determine pdhStatus (pdhStatus= -1073738810)"}}));
 }
 
@@ -150,7 +154,8 @@ TEST_F(TimeInfo, TheTimeZoneInstanceHoldsTheZoneAndBothClocks) {
   auto ns = makeSchemaNamespace();
   EXPECT_EQ(SystemInformation(ns).collectClass(ns->GetClass("QELTO_TimeZone", {})), 1);
   ASSERT_EQ(ns->GetInstances().size(), 1u);
-  EXPECT_EQ(propertyValues(*ns, "TheTimeZone"), (std::vector<std::string>{"Mitteleurop\xe4ische Zeit"}));
+  EXPECT_EQ(propertyValues(*ns, "TheTimeZone"),
+            (std::vector<std::string>{"Mitteleurop\xe4ische Zeit"}));
   EXPECT_EQ(propertyValues(*ns, "DaylightSaving"), (std::vector<std::string>{"1"}));
   EXPECT_EQ(propertyValues(*ns, "LocalDateTime"),
             (std::vector<std::string>{"20261122111530.250000+060"}));
@@ -162,8 +167,9 @@ TEST_F(TimeInfo, AnInstanceTheHostRefusesIsLogged) {
   OsMachine current(windows7());
   EXPECT_EQ(TTimeZoneinfo(nullptr).getCIMInstances(), 0);
   EXPECT_EQ(log.lines(),
-            (Lines{{3, "OSInfo::getCIMInstances Encountered an error Encountered an error "
-                       "generating CIM instances. Error Code: 7"}}));
+            (Lines{{3,
+                    "OSInfo::getCIMInstances Encountered an error Encountered an error "
+                    "generating CIM instances. Error Code: 7"}}));
 }
 
 }  // namespace

@@ -58,17 +58,25 @@ class QueriedFixes : public ::testing::Test {
 TEST_F(QueriedFixes, ObjectsKeepWhatEarlierObjectsDelivered) {
   const FactList records = fixesOn(queried(json::array({
       {{"HotFixID", "KB0"}},
-      {{"Description", "A"}, {"HotFixID", "KB1"}, {"InstalledBy", "me"}, {"InstalledOn", "1/6/2009"}},
+      {{"Description", "A"},
+       {"HotFixID", "KB1"},
+       {"InstalledBy", "me"},
+       {"InstalledOn", "1/6/2009"}},
       {{"Description", 5}, {"HotFixID", "KB2"}},
-      {{"Description", "C"}, {"HotFixID", "KB3"}, {"InstallDate", {{"date", "2009-01-06"}}},
+      {{"Description", "C"},
+       {"HotFixID", "KB3"},
+       {"InstallDate", {{"date", "2009-01-06"}}},
        {"InstalledOn", "ignored"}},
       {{"HotFixID", "KB4"}, {"InstallDate", "2010-02-03"}},
   })));
   const std::string vendor = "Microsoft Corporation";
   ASSERT_EQ(records.size(), 5u);
   EXPECT_EQ(records[0], (FactMap{{"ProductVersion", "KB0"}, {"ProductVendor", vendor}}));
-  FactMap expected = {{"ProductName", "A"}, {"ProductVersion", "KB1"}, {"InstalledBy", "me"},
-                      {"ProductInstallDate", "1/6/2009"}, {"ProductVendor", vendor}};
+  FactMap expected = {{"ProductName", "A"},
+                      {"ProductVersion", "KB1"},
+                      {"InstalledBy", "me"},
+                      {"ProductInstallDate", "1/6/2009"},
+                      {"ProductVendor", vendor}};
   EXPECT_EQ(records[1], expected);
   expected["ProductVersion"] = "KB2";
   EXPECT_EQ(records[2], expected);
@@ -141,8 +149,9 @@ TEST_F(QueriedFixes, DuplicateObjectsAreTwoRecordsButOneInstance) {
   EXPECT_EQ(SystemInformation(ns).collectClass(ns->GetClass("QELTO_InstalledFix", {})), 2);
   EXPECT_EQ(propertyValues(*ns, "ProductVersion"), (std::vector<std::string>{"KB1", "KB2"}));
   EXPECT_EQ(log.lines().back(),
-            (std::pair<int, std::string>{3, "InstalledFixInfo::getCIMInstances Encountered an error "
-                                            "generating CIM instances. Error Code: 11"}));
+            (std::pair<int, std::string>{3,
+                                         "InstalledFixInfo::getCIMInstances Encountered an error "
+                                         "generating CIM instances. Error Code: 11"}));
 }
 
 }  // namespace

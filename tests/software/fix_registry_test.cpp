@@ -52,8 +52,7 @@ TEST_F(RegistryFixes, TheWalkFindsFixKeysLevelByLevel) {
       update("a", described("a")) +
       // A fix for its file list, which is never entered.
       update("a\\B", described("B")) + update("a\\B\\FileList", described("list")) +
-      update("a\\B\\FileList\\Deeper", described("deeper")) +
-      update("a\\C", described("C")) +
+      update("a\\B\\FileList\\Deeper", described("deeper")) + update("a\\C", described("C")) +
       // A fix for its file list in any case, with a sub-key walked on.
       update("D", described("D")) + update("D\\fILELIST") + update("D\\E", described("E")) +
       update("F", described("F")) + update("F\\G", described("G")) +
@@ -113,16 +112,18 @@ TEST_F(RegistryFixes, InstancesTakeTheMachineAsTheirSystem) {
   auto ns = makeSchemaNamespace();
   json description = kNoQueriedFixes;
   description["computerName"] = "WKS-7";
-  RegistryMachine machine(update("KB1", described("Fix one") + "\"InstalledDate\"=\"20090106\"\r\n") +
-                              update("KB2", described("Fix two") + "\"DisplayVersion\"=\"2\"\r\n"),
-                          description);
+  RegistryMachine machine(
+      update("KB1", described("Fix one") + "\"InstalledDate\"=\"20090106\"\r\n") +
+          update("KB2", described("Fix two") + "\"DisplayVersion\"=\"2\"\r\n"),
+      description);
   EXPECT_EQ(SystemInformation(ns).collectClass(ns->GetClass("QELTO_InstalledFix", {})), 2);
   const auto& instances = ns->GetInstances();
   EXPECT_EQ(instances[1]->GetReference({}).ToString(),
             "QELTO_InstalledFix.CollectionID=\"\",ProductName=\"Fix two\",ProductVersion=\"2\","
             "SystemID=\"WKS-7\"");
-  EXPECT_EQ(static_cast<std::string>(instances[0]->GetProperty("ProductInstallDate", {})->GetValue({})),
-            "20090106000000.000000+000");
+  EXPECT_EQ(
+      static_cast<std::string>(instances[0]->GetProperty("ProductInstallDate", {})->GetValue({})),
+      "20090106000000.000000+000");
 }
 
 }  // namespace

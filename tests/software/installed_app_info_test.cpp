@@ -1,8 +1,9 @@
+#include "software/installed_app_info.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "software/installed_app_info.h"
 #include "tests/frame/plugin_test_support.h"
 #include "tests/vrxcore/test_schema.h"
 
@@ -68,32 +69,29 @@ TEST_F(Applications, MissingPlacesAreReportedOnceEach) {
   EXPECT_EQ(log.lines(), (Lines{{3, missing}, {3, missing}}));
   log.clear();
   EXPECT_EQ(enumerate(""), Names{});
-  EXPECT_EQ(log.lines(),
-            (Lines{{3, missing},
-                   {3, missing},
-                   {3, missing},
-                   {3, "InstalledAppInfo::getInfo - Unable to build a list of installed "
-                       "applications."}}));
+  EXPECT_EQ(log.lines(), (Lines{{3, missing},
+                                {3, missing},
+                                {3, missing},
+                                {3,
+                                 "InstalledAppInfo::getInfo - Unable to build a list of installed "
+                                 "applications."}}));
 }
 
 TEST_F(Applications, FixesAreFilteredByTheirExactForms) {
   const std::string fixes = product(kHotfix, "KB123456", "") + product(kHotfix, "QFE", "") +
                             product(kHotfix, "998877", "");
   std::string apps;
-  const Names candidates = {"Security Hotfix 1",          "Security hotfix 2",
-                            "Update (KB123456)",          "Update KB 123456",
-                            "Update kb123456",            "Update KB  123456",
-                            "Patch QFE 7",                "Patch QF E",
-                            "Build 998877",               "Build 99887",
-                            "Update KB 123456 again"};
+  const Names candidates = {
+      "Security Hotfix 1", "Security hotfix 2", "Update (KB123456)",     "Update KB 123456",
+      "Update kb123456",   "Update KB  123456", "Patch QFE 7",           "Patch QF E",
+      "Build 998877",      "Build 99887",       "Update KB 123456 again"};
   for (size_t i = 0; i < candidates.size(); ++i)
     apps += product(kUninstall, "k" + std::to_string(10 + i),
                     "\"DisplayName\"=\"" + candidates[i] + "\"");
   // A fix met first is remembered, so its name later is a duplicate too.
   apps += product(kWow64, "x", "\"DisplayName\"=\"Update (KB123456)\"");
-  EXPECT_EQ(enumerate(fixes + apps),
-            (Names{"Security hotfix 2", "Update kb123456", "Update KB  123456", "Patch QF E",
-                   "Build 99887"}));
+  EXPECT_EQ(enumerate(fixes + apps), (Names{"Security hotfix 2", "Update kb123456",
+                                            "Update KB  123456", "Patch QF E", "Build 99887"}));
 }
 
 TEST_F(Applications, A32BitProcessOn64BitWindowsReadsUninstallInItsOwnView) {
@@ -115,8 +113,9 @@ TEST_F(Applications, A32BitProcessOn64BitWindowsReadsUninstallInItsOwnView) {
 
 TEST_F(Applications, InstallerProductsTakeNameAndPackedVersion) {
   RegistryMachine machine(
-      product(kUninstall, "{A}", "\"DisplayName\"=\"Native\"\r\n\"VersionMajor\"=dword:00000003\r\n"
-                                 "\"VersionMinor\"=dword:0000000c\r\n\"DisplayVersion\"=\"\"") +
+      product(kUninstall, "{A}",
+              "\"DisplayName\"=\"Native\"\r\n\"VersionMajor\"=dword:00000003\r\n"
+              "\"VersionMinor\"=dword:0000000c\r\n\"DisplayVersion\"=\"\"") +
       product(kInstaller, "1", "\"ProductName\"=\"Runtime\"\r\n\"Version\"=dword:0a000000") +
       product(kInstaller, "2", "\"ProductName\"=\"Tools\"\r\n\"Version\"=dword:0c0a0fa0") +
       product(kInstaller, "3", "\"ProductName\"=\"Textual\"\r\n\"Version\"=\"1.5\"") +
@@ -141,8 +140,8 @@ TEST_F(Applications, InstancesGetTheFixedKeysUnlessTheRegistryHasThem) {
               "\"DisplayName\"=\"Editor\"\r\n\"DisplayVersion\"=\"2.1\"\r\n"
               "\"InstallDate\"=\"20190131\"\r\n\"Publisher\"=\"Contoso\"\r\n"
               "\"Version\"=dword:02010000") +
-      product(kUninstall, "b", "\"DisplayName\"=\"Bare\"\r\n\"InstallDate\"=\"N/A\"") +
-      product(kUninstall, "c", "\"DisplayName\"=\"Tagged\"\r\n\"SystemID\"=\"OTHER\""),
+          product(kUninstall, "b", "\"DisplayName\"=\"Bare\"\r\n\"InstallDate\"=\"N/A\"") +
+          product(kUninstall, "c", "\"DisplayName\"=\"Tagged\"\r\n\"SystemID\"=\"OTHER\""),
       {{"computerName", "WKS-7"}});
   InstalledAppInfo collector(ns->GetClass("QELTO_InstalledApplication", {}));
   EXPECT_EQ(collector.getCIMInstances(), 3);
@@ -150,9 +149,11 @@ TEST_F(Applications, InstancesGetTheFixedKeysUnlessTheRegistryHasThem) {
   EXPECT_EQ(instances[0]->GetReference({}).ToString(),
             "QELTO_InstalledApplication.CollectionID=\"\",ProductName=\"Editor\","
             "ProductVersion=\"2.1\",SystemID=\"WKS-7\"");
-  EXPECT_EQ(static_cast<std::string>(instances[0]->GetProperty("ProductInstallDate", {})->GetValue({})),
-            "20190131000000.000000+000");
-  EXPECT_EQ(static_cast<std::string>(instances[0]->GetProperty("ProductIdentifyingNumber", {})->GetValue({})),
+  EXPECT_EQ(
+      static_cast<std::string>(instances[0]->GetProperty("ProductInstallDate", {})->GetValue({})),
+      "20190131000000.000000+000");
+  EXPECT_EQ(static_cast<std::string>(
+                instances[0]->GetProperty("ProductIdentifyingNumber", {})->GetValue({})),
             "33619968");
   EXPECT_TRUE(instances[1]->GetProperty("ProductInstallDate", {})->GetValue({}).IsNull());
   EXPECT_EQ(propertyValues(*ns, "ProductVersion"), (Names{"2.1", "", ""}));
@@ -172,15 +173,17 @@ class QELTO_InstalledApplication {
   [Key] uint32 ProductIdentifyingNumber; [Key] string ProductName; string ProductVersion;
   string CollectionID; string SystemID; datetime ProductInstallDate; string ProductVendor; };)",
                                  "strict.mof"));
-  RegistryMachine machine(product(kUninstall, "1", "\"DisplayName\"=\"A\"\r\n\"Version\"=dword:00000001") +
-                          product(kUninstall, "2", "\"DisplayName\"=\"B\"") +
-                          product(kUninstall, "3", "\"DisplayName\"=\"C\"\r\n\"Version\"=dword:00000003"));
+  RegistryMachine machine(
+      product(kUninstall, "1", "\"DisplayName\"=\"A\"\r\n\"Version\"=dword:00000001") +
+      product(kUninstall, "2", "\"DisplayName\"=\"B\"") +
+      product(kUninstall, "3", "\"DisplayName\"=\"C\"\r\n\"Version\"=dword:00000003"));
   InstalledAppInfo collector(strict->GetClass("QELTO_InstalledApplication", {}));
   EXPECT_EQ(collector.getCIMInstances(), 2);
   EXPECT_EQ(propertyValues(*strict, "ProductName"), (Names{"A", "C"}));
-  EXPECT_EQ(log.lines().back(), (std::pair<int, std::string>{
-                                    3, "InstalledAppInfo::getCIMInstances Encountered an error "
-                                       "generating CIM instances. Error Code: 12"}));
+  EXPECT_EQ(log.lines().back(),
+            (std::pair<int, std::string>{3,
+                                         "InstalledAppInfo::getCIMInstances Encountered an error "
+                                         "generating CIM instances. Error Code: 12"}));
 }
 
 }  // namespace

@@ -8,14 +8,14 @@ namespace {
 TEST(Utf8Text, BrokenSequencesGiveOneReplacementPerByteAndResumeAtTheNext) {
   const std::vector<std::pair<std::string, std::u32string>> cases = {
       {"a\xC3\xA9z", U"a\u00E9z"},
-      {"\xEF\xBF\xBD", U"\uFFFD"},              // a real U+FFFD stays one character
-      {"\xF0\x9F\x98\x80", U"\U0001F600"},      // four bytes
-      {"\xC0\x80", U"\uFFFD\uFFFD"},            // overlong NUL
-      {"\xE0\x80\xAF", U"\uFFFD\uFFFD\uFFFD"},  // overlong '/'
-      {"\xED\xA0\x80", U"\uFFFD\uFFFD\uFFFD"},  // a surrogate
+      {"\xEF\xBF\xBD", U"\uFFFD"},                        // a real U+FFFD stays one character
+      {"\xF0\x9F\x98\x80", U"\U0001F600"},                // four bytes
+      {"\xC0\x80", U"\uFFFD\uFFFD"},                      // overlong NUL
+      {"\xE0\x80\xAF", U"\uFFFD\uFFFD\uFFFD"},            // overlong '/'
+      {"\xED\xA0\x80", U"\uFFFD\uFFFD\uFFFD"},            // a surrogate
       {"\xF4\x90\x80\x80", U"\uFFFD\uFFFD\uFFFD\uFFFD"},  // beyond U+10FFFF
-      {"\xE2\x82", U"\uFFFD\uFFFD"},            // cut short at the end
-      {"\xE2\x82z", U"\uFFFD\uFFFDz"},          // cut short before ASCII
+      {"\xE2\x82", U"\uFFFD\uFFFD"},                      // cut short at the end
+      {"\xE2\x82z", U"\uFFFD\uFFFDz"},                    // cut short before ASCII
       {"\xFF\xC3\xA9", U"\uFFFD\u00E9"},
       {std::string("a\0b", 3), std::u32string(U"a\0b", 3)},
   };

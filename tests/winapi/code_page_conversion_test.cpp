@@ -16,13 +16,20 @@ std::string encoded(unsigned codePage, const std::wstring& text) {
 // results must be those of a fresh conversion, call after call and code page after code page.
 TEST(CodePageConversion, RepeatedAndInterleavedConversionsGiveTheSameBytes) {
   for (int round = 0; round < 3; ++round) {
-    EXPECT_EQ(encoded(1252, L"Caf\u00e9 \u20ac1"), "Caf\xe9 \x80" "1");
+    EXPECT_EQ(encoded(1252, L"Caf\u00e9 \u20ac1"),
+              "Caf\xe9 \x80"
+              "1");
     // EBCDIC: 'A' is 0xC1, so ASCII is not copied through.
     EXPECT_EQ(encoded(1140, L"AB1"), "\xc1\xc2\xf1");
     EXPECT_EQ(encoded(65001, L"a\u00e9"), "a\xc3\xa9");
-    auto withInvalid = decode(65001, "a\xff" "b", 3);
+    auto withInvalid = decode(65001,
+                              "a\xff"
+                              "b",
+                              3);
     ASSERT_TRUE(withInvalid);
-    EXPECT_EQ(withInvalid->text, L"a\ufffd" L"b");
+    EXPECT_EQ(withInvalid->text,
+              L"a\ufffd"
+              L"b");
     EXPECT_TRUE(withInvalid->invalid);
     // An invalid byte earlier leaves no state behind for the next conversion.
     auto clean = decode(65001, "ok", 2);

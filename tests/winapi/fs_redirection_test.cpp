@@ -29,7 +29,8 @@ class FsRedirection : public ::testing::Test {
     nlohmann::json description = {{"system", {{"wow64", wow64}}}};
     machine_.emplace(description, drive_.path());
     HMODULE kernel32 = GetModuleHandleA("kernel32.dll");
-    disable_ = installedapps_col::procedure<DisableFunction>(kernel32, "Wow64DisableWow64FsRedirection");
+    disable_ =
+        installedapps_col::procedure<DisableFunction>(kernel32, "Wow64DisableWow64FsRedirection");
     revert_ =
         installedapps_col::procedure<RevertFunction>(kernel32, "Wow64RevertWow64FsRedirection");
     ASSERT_TRUE(disable_ && revert_);

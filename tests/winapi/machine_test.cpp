@@ -55,11 +55,10 @@ TEST(Machine, RefusesWhatIsNotAMachineDirectory) {
   dir.write("file", "x");
   EXPECT_EQ(loadError(dir.path() + "/file"), dir.path() + "/file: not a directory");
   dir.makeDirectory("empty/drive_d");
-  EXPECT_EQ(
-      loadError(dir.path() + "/empty"),
-      dir.path() +
-          "/empty: not a machine directory (no machine.json, registry/, drive_c/, system.reg "
-          "with user.reg, or Windows/System32/config/SOFTWARE)");
+  EXPECT_EQ(loadError(dir.path() + "/empty"),
+            dir.path() +
+                "/empty: not a machine directory (no machine.json, registry/, drive_c/, system.reg "
+                "with user.reg, or Windows/System32/config/SOFTWARE)");
   dir.makeDirectory("odd/machine.json");
   EXPECT_EQ(loadError(dir.path() + "/odd"), dir.path() + "/odd/machine.json: not a regular file");
 }

@@ -56,7 +56,8 @@ EnumPageFilesFunction enumPageFiles() {
 }
 
 QueryFunction query() {
-  return installedapps_col::procedure<QueryFunction>(GetModuleHandleA("ntdll.dll"), "ZwQuerySystemInformation");
+  return installedapps_col::procedure<QueryFunction>(GetModuleHandleA("ntdll.dll"),
+                                                     "ZwQuerySystemInformation");
 }
 
 TEST(PageFiles, EnumPageFilesGivesWin32NamesInTheAnsiCodePage) {

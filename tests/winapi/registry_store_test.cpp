@@ -1,10 +1,10 @@
+#include "winapi/support/registry_store.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "winapi/support/registry_store.h"
 
 namespace winapi {
 namespace {
@@ -15,9 +15,7 @@ std::vector<std::wstring> namesOf(const RegistryKey& key) {
   return names;
 }
 
-RegistryValue text(const std::wstring& name, const std::string& data) {
-  return {name, 1, data};
-}
+RegistryValue text(const std::wstring& name, const std::string& data) { return {name, 1, data}; }
 
 TEST(RegistryStore, SubKeysMadeOutOfOrderAreListedSortedAndFoundInAnySpelling) {
   RegistryKey root(L"ROOT");
@@ -102,7 +100,8 @@ TEST(RegistryStore, ValueNamesAreTheSameButForCaseInAnySpellingAndThread) {
   std::vector<std::thread> threads;
   std::vector<RegistryName> made(4);
   for (std::size_t i = 0; i < made.size(); ++i)
-    threads.emplace_back([&made, i] { made[i] = RegistryName(i % 2 ? L"\u00E9cole" : L"\u00C9COLE"); });
+    threads.emplace_back(
+        [&made, i] { made[i] = RegistryName(i % 2 ? L"\u00E9cole" : L"\u00C9COLE"); });
   for (std::thread& thread : threads) thread.join();
   for (const RegistryName& name : made) EXPECT_TRUE(name.sameAs(made[0]));
   EXPECT_EQ(made[1].text(), L"\u00E9cole");

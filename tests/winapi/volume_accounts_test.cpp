@@ -1,4 +1,3 @@
-#include "winapi/machine/hive_file.h"
 #include "winapi/machine/volume_accounts.h"
 
 #include <gtest/gtest.h>

@@ -140,7 +140,9 @@ bool isAsciiUtf16(const std::string& bytes) {
 
 // Text as the A functions give it: converted from UTF-16LE, every character of the stored bytes
 // (terminators too).
-std::string ansiText(const RegistryValue& value) { return ansi(winapi::fromUtf16Bytes(value.data)); }
+std::string ansiText(const RegistryValue& value) {
+  return ansi(winapi::fromUtf16Bytes(value.data));
+}
 
 // "A\B\C" below the handle's key; nullopt for an empty component other than a trailing one.
 std::optional<RegistryPath> subKeyPath(const char* subKey) {

@@ -75,10 +75,9 @@ std::optional<RegistryPath> splitPath(std::wstring_view path) {
 
 bool startsWithPath(const RegistryPath& path, const RegistryPath& prefix) {
   return path.size() >= prefix.size() &&
-         std::equal(prefix.begin(), prefix.end(), path.begin(),
-                    [](const std::wstring& a, const std::wstring& b) {
-                      return equalsIgnoringCase(a, b);
-                    });
+         std::equal(
+             prefix.begin(), prefix.end(), path.begin(),
+             [](const std::wstring& a, const std::wstring& b) { return equalsIgnoringCase(a, b); });
 }
 
 // One line as Wine reads it, with the number of its first line in the file.

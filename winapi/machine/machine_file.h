@@ -1,4 +1,5 @@
-// Reading the machine directory's files: their bytes, and machine.json's JSON syntax errors reported as "file:line:column: …".
+// Reading the machine directory's files: their bytes, and machine.json's JSON syntax errors
+// reported as "file:line:column: …".
 #ifndef VRX_WINAPI_MACHINE_FILE_H
 #define VRX_WINAPI_MACHINE_FILE_H
 
