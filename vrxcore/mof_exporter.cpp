@@ -39,7 +39,7 @@ void appendEscaped(std::string& out, char32_t character) {
       return;
   }
   if (isControlCharacter(character)) {
-    char escape[8];
+    char escape[12];  // room for any 32-bit number, though controls take 4 digits
     std::snprintf(escape, sizeof escape, "\\x%04X", static_cast<unsigned>(character));
     out += escape;
   } else {
