@@ -143,6 +143,15 @@ class HiveCopier {
     }
   }
 
+  // A value's type is any 32-bit number (SAM keeps account ids there), most of them outside
+  // libhivex's enumeration: its bytes are read as the number, never loaded as the enumeration.
+  static std::uint32_t typeNumber(const hive_type& type) {
+    static_assert(sizeof(hive_type) == sizeof(std::uint32_t), "libhivex keeps types in 32 bits");
+    std::uint32_t number;
+    std::memcpy(&number, &type, sizeof number);
+    return number;
+  }
+
   RegistryValue readValue(hive_value_h value, const std::string& path) {
     Owned<char> name(hivex_value_key(hive_.get(), value));
     hive_type type;
@@ -156,8 +165,7 @@ class HiveCopier {
         fail(path, "a value that cannot be read");
       if (declared > size) bytes = segmentedData(value, declared, path);
     }
-    return RegistryValue{utf8ToWide(name.get()), static_cast<std::uint32_t>(type),
-                         std::move(bytes)};
+    return RegistryValue{utf8ToWide(name.get()), typeNumber(type), std::move(bytes)};
   }
 
   // libhivex 1.3 takes each segment of long data to hold its cell's size less 8 bytes, not 4, and
