@@ -10,6 +10,7 @@
 #include "winapi/machine/machine.h"
 #include "winapi/machine/machine_file.h"
 #include "winapi/machine/registry_machine_facts.h"
+#include "winapi/machine/registry_values.h"
 
 namespace fs = std::filesystem;
 
@@ -33,10 +34,7 @@ std::string profilePath(const Registry& registry) {
   if (!list) return "";
   for (const auto& profile : list->subKeys()) {
     const RegistryValue* path = profile->value(L"ProfileImagePath");
-    if (path && profile->name().rfind(L"S-1-5-21-", 0) == 0) {
-      std::wstring text = fromUtf16Bytes(path->data);
-      return toUtf8(text.substr(0, text.find(L'\0')));
-    }
+    if (path && profile->name().rfind(L"S-1-5-21-", 0) == 0) return textOf(*path);
   }
   return "";
 }
