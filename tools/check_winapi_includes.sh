@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Checks that the includes between winapi/'s sub-folders point down the roles: a DLL folder may
-# include machine/, formats/, support/ and include/; machine/ formats/, support/ and include/;
-# formats/ support/ and include/; support/ include/ only; include/ nothing but itself. Every
+# include machine/ and everything below it; machine/ image/, files/, formats/, support/ and
+# include/; image/ (disk images) files/ and below; files/ (the files of a machine) formats/ and
+# below; formats/ support/ and include/; support/ include/ only; include/ nothing but itself. Every
 # folder may include its own files. Prints each include that points up, or leaves winapi/'s
 # roles, and exits 1 when there is one.
 #   bash tools/check_winapi_includes.sh [SOURCE_DIR]        default: the checkout of this script
@@ -16,14 +17,16 @@ allowed() {
     include) echo "" ;;
     support) echo "include" ;;
     formats) echo "support include" ;;
-    machine) echo "formats support include" ;;
-    *) echo "machine formats support include" ;;
+    files) echo "formats support include" ;;
+    image) echo "files formats support include" ;;
+    machine) echo "image files formats support include" ;;
+    *) echo "machine image files formats support include" ;;
   esac
 }
 
 known() {
   local folder
-  for folder in include support formats machine $dlls; do
+  for folder in include support formats files image machine $dlls; do
     [[ $1 == "$folder" ]] && return 0
   done
   return 1
