@@ -9,6 +9,7 @@
 #include "bench/hive_log_writer.h"
 #include "bench/hive_writer.h"
 #include "bench/machine_generator.h"
+#include "winapi/files/folder_files.h"
 #include "winapi/formats/reg_file.h"
 #include "winapi/machine/hive_replay.h"
 
@@ -37,7 +38,12 @@ void ReplayHiveLogs(benchmark::State& state) {
   std::ofstream(dir / "SOFTWARE.LOG1", std::ios::binary)
       << bench::transactionLog(before, after, 100, kPagesPerEntry);
   std::vector<std::string> warnings;
-  for (auto _ : state) benchmark::DoNotOptimize(winapi::replayedHive(dir / "SOFTWARE", warnings));
+  const winapi::FolderFiles files = winapi::FolderFiles::volume(dir);
+  const winapi::HiveLocation hive{files, "C:\\SOFTWARE"};
+  for (auto _ : state) {
+    winapi::FileDescriptor primary = files.open(hive.path);
+    benchmark::DoNotOptimize(winapi::replayedHive(hive, primary.get(), warnings));
+  }
   if (!warnings.empty()) state.SkipWithError(warnings.front().c_str());
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * after.size()));
   fs::remove_all(dir);

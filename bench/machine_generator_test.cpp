@@ -91,8 +91,8 @@ TEST(MachineGenerator, WritesAMachineTheLayerLoadsAndRefusesToOverwrite) {
             6u);
   // 60 components over three INF files, each listed in sysoc.inf before the template's line.
   for (const char* inf : {"genfam0.inf", "genfam1.inf", "genfam2.inf"})
-    EXPECT_TRUE(machine->hostPath(std::string("C:\\Windows\\inf\\") + inf)) << inf;
-  EXPECT_FALSE(machine->hostPath("C:\\Windows\\inf\\genfam3.inf"));
+    EXPECT_TRUE(machine->files().find(std::string("C:\\Windows\\inf\\") + inf)) << inf;
+  EXPECT_FALSE(machine->files().find("C:\\Windows\\inf\\genfam3.inf"));
 }
 
 }  // namespace

@@ -1,13 +1,11 @@
-// Files of the machine live under its directory; they are read whole and
+// Files of the machine are read whole, wherever the machine keeps them, and
 // given the line ends that text mode gives on Windows.
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include "frame/text_file.h"
 #include "winapi/machine/machine.h"
 #include "winapi/support/code_pages.h"
+#include "winapi/support/file_descriptor.h"
 
 namespace installedapps_col {
 
@@ -31,13 +29,9 @@ std::unique_ptr<std::istream> openTextFile(const std::string& path) {
   const auto utf8 =
       winapi::encode(winapi::kUtf8CodePage, wide->text.data(), wide->text.size(), "?");
   if (!utf8) return nullptr;
-  const auto hostFile = machine.hostPath(utf8->bytes);
-  std::error_code error;
-  if (!hostFile || !std::filesystem::is_regular_file(*hostFile, error)) return nullptr;
-  std::ifstream file(*hostFile, std::ios::binary);
-  if (!file) return nullptr;
-  const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  return std::make_unique<std::istringstream>(asTextMode(bytes));
+  const auto bytes = winapi::readFileBytes(machine.files().open(utf8->bytes).get());
+  if (!bytes) return nullptr;
+  return std::make_unique<std::istringstream>(asTextMode(*bytes));
 }
 
 }  // namespace installedapps_col

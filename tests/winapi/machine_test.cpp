@@ -180,24 +180,6 @@ TEST(Machine, EnvironmentIgnoresCaseAndTakesVrxVariablesFromTheProcess) {
   EXPECT_FALSE(environment.find("NOT_VRX_OTHER"));
 }
 
-TEST(Machine, HostPathsMatchEachComponentWithoutRegardToCase) {
-  TempDirectory dir;
-  dir.write("drive_c/Windows/System32/drivers/etc/hosts", "127.0.0.1 localhost\n");
-  dir.makeDirectory("drive_c/Program Files");
-  auto machine = Machine::load(dir.path());
-  std::string hosts = dir.path() + "/drive_c/Windows/System32/drivers/etc/hosts";
-  EXPECT_EQ(machine->hostPath("c:\\WINDOWS\\system32\\DRIVERS\\etc\\HOSTS"), hosts);
-  EXPECT_EQ(machine->hostPath("C:/Windows/System32/drivers/etc/hosts"), hosts);
-  EXPECT_EQ(machine->hostPath("C:\\Windows\\.\\Temp\\..\\System32\\\\drivers\\etc\\hosts"), hosts);
-  EXPECT_EQ(machine->hostPath("C:\\program files"), dir.path() + "/drive_c/Program Files");
-  EXPECT_EQ(machine->hostPath("C:\\"), dir.path() + "/drive_c");
-  EXPECT_FALSE(machine->hostPath("C:\\Windows\\System32\\drivers\\etc\\hosts.bak"));
-  EXPECT_FALSE(machine->hostPath("D:\\Windows"));
-  EXPECT_FALSE(machine->hostPath("Windows\\System32"));
-  EXPECT_FALSE(machine->hostPath("C:Windows"));
-  EXPECT_FALSE(Machine::fromDescription(json::object())->hostPath("C:\\"));
-}
-
 TEST(Machine, CommandsAnswerWhatTheyPrint) {
   auto machine = Machine::fromDescription(
       json::parse(R"({"commands": {"bcdedit": "Windows Boot Manager\r\n"}})"));

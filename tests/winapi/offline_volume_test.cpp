@@ -77,9 +77,8 @@ TEST(OfflineVolume, DescriptionComesFromItsHivesAndItsLastUser) {
   // The user's variables replace the machine's in any case, but Path they lengthen.
   EXPECT_EQ(machine->environment().find("path")->value, "C:\\Windows\\system32;C:\\Tools");
   EXPECT_EQ(machine->environment().find("TEMP")->value, "D:\\t");
-  auto hive = machine->hostPath("c:\\windows\\SYSTEM32\\config\\SOFTWARE");
-  ASSERT_TRUE(hive.has_value());
-  EXPECT_EQ(*hive, volume.path() + "/WINDOWS/system32/CONFIG/software");
+  EXPECT_EQ(machine->files().describe("c:\\windows\\SYSTEM32\\config\\SOFTWARE"),
+            volume.path() + "/WINDOWS/system32/CONFIG/software");
 }
 
 TEST(OfflineVolume, AUserNamedPicksThatProfile) {

@@ -7,6 +7,7 @@
 #include "test_hive.h"
 #include "test_machine.h"
 #include "test_sam.h"
+#include "winapi/files/folder_files.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/hive_file.h"
 #include "winapi/machine/machine.h"
@@ -83,7 +84,8 @@ TEST(VolumeAccounts, UsersComeFromTheSamRecordsCountingToTheMachinesNow) {
   TempDirectory dir;
   writeHive(dir.path() + "/SAM", kSamPrefix, samText());
   Registry registry;
-  mountOptionalHive(registry.root(Hive::LocalMachine), L"SAM", dir.path() + "/SAM");
+  const winapi::FolderFiles files = winapi::FolderFiles::volume(dir.path());
+  mountOptionalHive(registry.root(Hive::LocalMachine), L"SAM", {files, "C:\\SAM"});
   nlohmann::json facts{{"now", "2026-11-22T10:15:30Z"}};
   addSamUsers(registry, facts);
   // In the order of their names; mallory's damaged record leaves her out.

@@ -72,7 +72,7 @@ TEST(WinePrefix, DescriptionComesFromItsRegistry) {
   EXPECT_NE(machine->registry()->root(Hive::CurrentUser).find({L"Software", L"Wine"}), nullptr);
   EXPECT_NE(machine->registry()->root(Hive::LocalMachine).find({L"SOFTWARE", L"Classes", L".txt"}),
             nullptr);
-  EXPECT_TRUE(machine->hostPath("C:\\Windows"));
+  EXPECT_TRUE(machine->files().find("C:\\Windows"));
 }
 
 TEST(WinePrefix, RegistryWithoutTheKeysSaysNothing) {

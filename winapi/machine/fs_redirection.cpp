@@ -1,11 +1,11 @@
 // WOW64 file-system redirection: the file lookups that follow it.
 #include "winapi/machine/fs_redirection.h"
 
-#include <filesystem>
 #include <optional>
 #include <string_view>
 #include <vector>
 
+#include "winapi/files/windows_path.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/machine.h"
 #include "winapi/support/text.h"
@@ -29,32 +29,6 @@ const Components kSharedDirectories[] = {
 
 bool isSeparator(char c) { return c == '\\' || c == '/'; }
 
-// "C:\a\.\b\..\c" -> {"C:", "a", "c"}; nullopt when the path is not drive-absolute.
-std::optional<Components> componentsOf(const std::string& path) {
-  if (path.size() < 2 || path[1] != ':' || (path.size() > 2 && !isSeparator(path[2])))
-    return std::nullopt;
-  Components components{path.substr(0, 2)};
-  std::size_t start = 2;
-  while (start < path.size()) {
-    std::size_t end = start + 1;
-    while (end < path.size() && !isSeparator(path[end])) ++end;
-    std::string component = path.substr(start + 1, end - start - 1);
-    if (component == "..") {
-      if (components.size() > 1) components.pop_back();
-    } else if (!component.empty() && component != ".") {
-      components.push_back(component);
-    }
-    start = end;
-  }
-  return components;
-}
-
-std::string joined(const Components& components) {
-  std::string path;
-  for (const std::string& component : components) path += (path.empty() ? "" : "\\") + component;
-  return path;
-}
-
 bool hasAt(const Components& path, const Components& part, std::size_t at) {
   if (path.size() < at + part.size()) return false;
   for (std::size_t i = 0; i < part.size(); ++i)
@@ -62,15 +36,15 @@ bool hasAt(const Components& path, const Components& part, std::size_t at) {
   return true;
 }
 
-Components redirected(Components path, const Machine& machine) {
+WindowsPath redirected(WindowsPath path, const Machine& machine) {
   if (redirectionDisabled || !isWow64(machine)) return path;
-  std::optional<Components> system32 = componentsOf(machine.windowsDirectory());
-  if (!system32) return path;
-  system32->push_back("System32");
-  if (!hasAt(path, *system32, 0)) return path;
+  std::optional<WindowsPath> system32 = parseWindowsPath(machine.windowsDirectory());
+  if (!system32 || system32->drive != path.drive) return path;
+  system32->components.push_back("System32");
+  if (!hasAt(path.components, system32->components, 0)) return path;
   for (const Components& shared : kSharedDirectories)
-    if (hasAt(path, shared, system32->size())) return path;
-  path[system32->size() - 1] = "SysWOW64";
+    if (hasAt(path.components, shared, system32->components.size())) return path;
+  path.components[system32->components.size() - 1] = "SysWOW64";
   return path;
 }
 
@@ -84,16 +58,16 @@ std::string onDrive(const std::string& path, const Machine& machine) {
 
 MachineFile findMachineFile(const std::string& windowsPath) {
   const Machine& machine = currentMachine();
-  std::optional<Components> path = componentsOf(onDrive(windowsPath, machine));
+  std::optional<WindowsPath> path = parseWindowsPath(onDrive(windowsPath, machine));
   if (!path) return {"", ERROR_FILE_NOT_FOUND};
   *path = redirected(*path, machine);
-  if (std::optional<std::string> host = machine.hostPath(joined(*path))) {
-    std::error_code error;
-    if (std::filesystem::is_directory(*host, error)) return {"", ERROR_ACCESS_DENIED};
-    return {*host, ERROR_SUCCESS};
+  if (std::optional<FileEntry> entry = machine.files().find(path->text())) {
+    if (entry->directory) return {"", ERROR_ACCESS_DENIED};
+    return {path->text(), ERROR_SUCCESS};
   }
-  path->pop_back();
-  bool inDirectory = !path->empty() && machine.hostPath(joined(*path));
+  if (path->components.empty()) return {"", ERROR_PATH_NOT_FOUND};
+  path->components.pop_back();
+  bool inDirectory = machine.files().find(path->text()).has_value();
   return {"",
           static_cast<std::uint32_t>(inDirectory ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND)};
 }

@@ -19,7 +19,7 @@ extern thread_local bool redirectionDisabled;
 bool isWow64(const Machine& machine);
 
 struct MachineFile {
-  std::string hostPath;     // the file under the machine directory, when error is 0
+  std::string path;         // the file's path among the machine's files, when error is 0
   std::uint32_t error = 0;  // as opening the file for reading reports it
 };
 

@@ -12,15 +12,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "winapi/files/folder_files.h"
 #include "winapi/machine/hive_replay.h"
 #include "winapi/machine/machine.h"
 #include "winapi/support/code_pages.h"
+#include "winapi/support/file_descriptor.h"
 #include "winapi/support/little_endian.h"
 #include "winapi/support/text.h"
 
@@ -73,10 +73,12 @@ hive_h* openInMemory(const std::string& bytes) {
 
 class HiveCopier {
  public:
-  explicit HiveCopier(const fs::path& file) : file_(file.string()) {
-    bytes_ = replayedHive(file, reading_.warnings);
+  explicit HiveCopier(const HiveLocation& hive)
+      : file_(hive.describe()), descriptor_(hive.files.open(hive.path)) {
+    if (!descriptor_.valid()) fail("", std::string("not a readable hive: ") + std::strerror(errno));
+    bytes_ = replayedHive(hive, descriptor_.get(), reading_.warnings);
     errno = 0;
-    hive_.reset(bytes_ ? openInMemory(*bytes_) : hivex_open(file_.c_str(), 0));
+    hive_.reset(bytes_ ? openInMemory(*bytes_) : hivex_open(descriptorPath().c_str(), 0));
     if (!hive_) fail("", std::string("not a readable hive: ") + std::strerror(errno));
   }
 
@@ -198,15 +200,18 @@ class HiveCopier {
 
   // The hive's bytes: those replayed, or the file's, read once when first needed.
   const std::string& fileBytes(const std::string& path) {
-    if (!bytes_) {
-      std::ifstream in(file_, std::ios::binary);
-      bytes_.emplace(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-      if (!in && !in.eof()) fail(path, "cannot read the hive again");
-    }
+    if (!bytes_) bytes_ = readFileBytes(descriptor_.get());
+    if (!bytes_) fail(path, "cannot read the hive again");
     return *bytes_;
   }
 
+  // libhivex opens files by name: the descriptor's, whatever holds the file.
+  std::string descriptorPath() const {
+    return "/proc/self/fd/" + std::to_string(descriptor_.get());
+  }
+
   std::string file_;
+  FileDescriptor descriptor_;
   std::unique_ptr<hive_h, Closer> hive_;
   std::size_t keys_ = 0;
   std::size_t values_ = 0;
@@ -227,7 +232,8 @@ void HiveReading::add(const HiveReading& other) {
   warnings.insert(warnings.end(), other.warnings.begin(), other.warnings.end());
 }
 
-HiveReading mountOptionalHive(RegistryKey& parent, const std::wstring& name, const fs::path& file) {
+HiveReading mountOptionalHive(RegistryKey& parent, const std::wstring& name,
+                              const HiveLocation& file) {
   RegistryKey hive(name);
   try {
     HiveReading reading = mountHiveFile(hive, file);
@@ -240,13 +246,13 @@ HiveReading mountOptionalHive(RegistryKey& parent, const std::wstring& name, con
   }
 }
 
-HiveReading mountHiveFile(RegistryKey& mountPoint, const fs::path& file) {
+HiveReading mountHiveFile(RegistryKey& mountPoint, const HiveLocation& file) {
   HiveCopier copier(file);
   copier.copy(copier.root(), mountPoint, "", 0);
   return copier.reading();
 }
 
-HiveReading mountSystemHive(Registry& registry, const fs::path& file) {
+HiveReading mountSystemHive(Registry& registry, const HiveLocation& file) {
   HiveCopier copier(file);
   hive_node_h root = copier.root();
   RegistryKey& system = mountPoint(registry, Hive::LocalMachine, L"SYSTEM");
@@ -261,8 +267,8 @@ HiveReading mountSystemHive(Registry& registry, const fs::path& file) {
   return copier.reading();
 }
 
-std::optional<HiveReading> mountNamedHive(Registry& registry, const fs::path& file) {
-  std::string name = asciiUpper(file.filename().string());
+std::optional<HiveReading> mountNamedHive(Registry& registry, const HiveLocation& file) {
+  std::string name = asciiUpper(file.path.substr(file.path.find_last_of("\\/") + 1));
   if (name == "SYSTEM") return mountSystemHive(registry, file);
   struct Place {
     const char* file;
@@ -275,6 +281,16 @@ std::optional<HiveReading> mountNamedHive(Registry& registry, const fs::path& fi
   for (const Place& place : places)
     if (name == place.file) return mountHiveFile(mountPoint(registry, place.hive, place.key), file);
   return std::nullopt;
+}
+
+HiveReading mountHiveFile(RegistryKey& mountPoint, const fs::path& file) {
+  const FolderFiles folder = FolderFiles::volume(file.parent_path());
+  return mountHiveFile(mountPoint, {folder, "C:\\" + file.filename().string()});
+}
+
+std::optional<HiveReading> mountNamedHive(Registry& registry, const fs::path& file) {
+  const FolderFiles folder = FolderFiles::volume(file.parent_path());
+  return mountNamedHive(registry, {folder, "C:\\" + file.filename().string()});
 }
 
 HiveReading mountHiveDirectory(Registry& registry, const fs::path& dir) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "winapi/machine/hive_replay.h"
 #include "winapi/support/registry_store.h"
 
 namespace winapi {
@@ -30,19 +31,23 @@ struct HiveReading {
 // Copies the hive's keys below `mountPoint`. Throws MachineError naming the file (and the key)
 // when the hive is not one, is truncated or corrupt, or is beyond the bounds kept for keys,
 // values and depth.
-HiveReading mountHiveFile(RegistryKey& mountPoint, const std::filesystem::path& file);
+HiveReading mountHiveFile(RegistryKey& mountPoint, const HiveLocation& file);
 
 // A hive the machine can do without (SAM, BCD), at parent\name when it reads whole; one that
 // cannot be read is left out, with a warning that names it.
 HiveReading mountOptionalHive(RegistryKey& parent, const std::wstring& name,
-                              const std::filesystem::path& file);
+                              const HiveLocation& file);
 
 // A SYSTEM hive at HKLM\SYSTEM, its ControlSet00N named by Select\Current also as
 // CurrentControlSet.
-HiveReading mountSystemHive(Registry& registry, const std::filesystem::path& file);
+HiveReading mountSystemHive(Registry& registry, const HiveLocation& file);
 
 // The hive named by its file name (SOFTWARE, SYSTEM, NTUSER.DAT or BCD, any case) at its place;
 // nullopt, with nothing read, for any other name.
+std::optional<HiveReading> mountNamedHive(Registry& registry, const HiveLocation& file);
+
+// The same for a hive file of this host.
+HiveReading mountHiveFile(RegistryKey& mountPoint, const std::filesystem::path& file);
 std::optional<HiveReading> mountNamedHive(Registry& registry, const std::filesystem::path& file);
 
 // Every hive of `dir` (a described machine's hives/) at its place; other files are left alone.

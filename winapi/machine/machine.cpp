@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <mutex>
 
+#include "winapi/files/folder_files.h"
 #include "winapi/machine/hive_file.h"
-#include "winapi/machine/host_path.h"
 #include "winapi/machine/machine_file.h"
 #include "winapi/machine/machine_schema.h"
 #include "winapi/machine/offline_volume.h"
@@ -139,9 +139,12 @@ std::shared_ptr<Machine> Machine::load(const std::string& dir, const std::string
 std::shared_ptr<Machine> Machine::fromDescription(const nlohmann::json& description,
                                                   const std::string& directory,
                                                   std::shared_ptr<const Registry> registry,
-                                                  std::vector<std::string> warnings) {
+                                                  std::vector<std::string> warnings,
+                                                  std::shared_ptr<const MachineFiles> files) {
   std::shared_ptr<Machine> machine(new Machine);
   machine->directory_ = directory;
+  machine->files_ =
+      files ? std::move(files) : std::make_shared<FolderFiles>(FolderFiles::drives(directory));
   machine->warnings_ = std::move(warnings);
   machine->read(description, directory.empty() ? "machine.json"
                                                : (fs::path(directory) / "machine.json").string());
@@ -235,10 +238,6 @@ MachineTime Machine::now() const {
   return fixedNow_ ? *fixedNow_
                    : std::chrono::time_point_cast<std::chrono::milliseconds>(
                          std::chrono::system_clock::now());
-}
-
-std::optional<std::string> Machine::hostPath(const std::string& windowsPath) const {
-  return findHostPath(directory_, windowsPath);
 }
 
 std::string Machine::command(const std::string& name) const {

@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "winapi/files/machine_files.h"
 #include "winapi/machine/environment_block.h"
 #include "winapi/support/errors.h"
 #include "winapi/support/registry_store.h"
@@ -62,11 +63,13 @@ class Machine {
   // A machine given by the contents of a machine.json, checked as load() checks the file.
   // `directory` may name a directory holding registry/, drive_c/ …; the computer name defaults
   // to its name, or to "LOCALHOST" without one. A `registry` given is the machine's instead of
-  // the directory's registry/*.reg. `warnings` are what its loader found to report.
+  // the directory's registry/*.reg. `warnings` are what its loader found to report; `files` are the
+  // machine's files when they are not the directory's drive_c/, drive_d/ ….
   static std::shared_ptr<Machine> fromDescription(const nlohmann::json& description,
                                                   const std::string& directory = "",
                                                   std::shared_ptr<const Registry> registry = {},
-                                                  std::vector<std::string> warnings = {});
+                                                  std::vector<std::string> warnings = {},
+                                                  std::shared_ptr<const MachineFiles> files = {});
 
   const std::string& directory() const { return directory_; }
   // machine.json as read (UTF-8 text), for the API areas that read their own members.
@@ -88,10 +91,8 @@ class Machine {
   // `now` of machine.json when given, else the real clock.
   MachineTime now() const;
 
-  // The file under the machine directory for a drive-absolute Windows path ("C:\\Windows\\x"
-  // is drive_c/Windows/x), each component matched without regard to case; nullopt when
-  // there is no such file.
-  std::optional<std::string> hostPath(const std::string& windowsPath) const;
+  // The machine's files: for a machine directory, drive X: is its drive_x/.
+  const MachineFiles& files() const { return *files_; }
   // What the command prints (commands[name]), "" for a command not described.
   std::string command(const std::string& name) const;
 
@@ -117,6 +118,7 @@ class Machine {
   std::optional<TimeZone> timeZone_;
   bool wow64_ = false;
   std::shared_ptr<const Registry> registry_;
+  std::shared_ptr<const MachineFiles> files_;
   std::vector<std::string> warnings_;
   std::optional<MachineTime> fixedNow_;
   std::map<std::string, std::string, LessIgnoringCase> commands_;

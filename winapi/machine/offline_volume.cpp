@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
+#include "winapi/files/folder_files.h"
 #include "winapi/machine/hive_file.h"
-#include "winapi/machine/host_path.h"
 #include "winapi/machine/machine.h"
 #include "winapi/machine/registry_machine_facts.h"
 #include "winapi/machine/volume_accounts.h"
@@ -28,14 +28,10 @@ const RegistryPath kMemoryManagement{L"SYSTEM", L"CurrentControlSet", L"Control"
                                      L"Session Manager", L"Memory Management"};
 constexpr std::uintmax_t kPageSize = 4096;
 
-std::optional<std::string> hostFile(const fs::path& dir, const std::string& windowsPath) {
-  return findHostPath(dir.string(), windowsPath);
-}
-
 // The page files PagingFiles names ("C:\\pagefile.sys 0 0", "?:\\pagefile.sys" for a system
 // managed one on the system drive) that are on the volume, sized by their files; a machine that
 // is not running has none of their pages in use.
-void addPageFiles(const Registry& registry, const fs::path& dir, nlohmann::json& facts) {
+void addPageFiles(const Registry& registry, const MachineFiles& files, nlohmann::json& facts) {
   const RegistryKey* key = registry.root(Hive::LocalMachine).find(kMemoryManagement);
   const RegistryValue* paging = key ? key->value(L"PagingFiles") : nullptr;
   if (!paging) return;
@@ -45,12 +41,10 @@ void addPageFiles(const Registry& registry, const fs::path& dir, nlohmann::json&
     std::string entry = wideToUtf8(entries.substr(at, end - at));
     std::string name = entry.substr(0, entry.find(' '));
     if (name.rfind("?:", 0) == 0) name[0] = 'C';
-    auto file = hostFile(dir, name);
-    std::error_code error;
-    std::uintmax_t size = file ? fs::file_size(*file, error) : 0;
-    if (!file || error) continue;
+    std::optional<FileEntry> file = files.find(name);
+    if (!file || file->directory) continue;
     facts["pageFiles"].push_back({{"name", "\\??\\" + name},
-                                  {"totalSize", size / kPageSize},
+                                  {"totalSize", file->size / kPageSize},
                                   {"totalInUse", 0},
                                   {"peakUsage", 0}});
   }
@@ -70,27 +64,47 @@ std::optional<std::int64_t> clockAtRest(const Registry& registry, const HiveRead
   return millisecondsFromFileTime(hives.lastWritten);
 }
 
-// `user` empty: the volume's default profile.
-std::shared_ptr<Machine> loadVolume(const fs::path& dir, const std::string& user,
+// The boot store: on the Windows volume before Vista's split, else on the system partition (an
+// EFI system partition, or a "System Reserved" one).
+std::optional<std::string> bootStore(const MachineFiles& system) {
+  for (const char* store : {"C:\\Boot\\BCD", "C:\\EFI\\Microsoft\\Boot\\BCD"})
+    if (system.find(store)) return store;
+  return std::nullopt;
+}
+
+std::shared_ptr<Machine> loadVolume(const VolumeSource& source, const std::string& user,
                                     std::optional<std::int64_t> now) {
+  const MachineFiles& windows = *source.windows;
   auto registry = std::make_shared<Registry>();
   HiveReading hives;
   for (const char* hive : {"SOFTWARE", "SYSTEM"})
-    if (auto file = hostFile(dir, std::string(kConfig) + hive))
-      if (auto reading = mountNamedHive(*registry, *file)) hives.add(*reading);
+    if (windows.find(std::string(kConfig) + hive))
+      hives.add(*mountNamedHive(*registry, {windows, std::string(kConfig) + hive}));
   RegistryKey& localMachine = registry->root(Hive::LocalMachine);
-  if (auto file = hostFile(dir, std::string(kConfig) + "SAM"))
-    hives.add(mountOptionalHive(localMachine, L"SAM", *file));
-  std::optional<VolumeProfile> profile =
-      user.empty() ? defaultProfile(localMachine, dir) : namedProfile(localMachine, dir, user);
-  if (profile) hives.add(mountHiveFile(registry->root(Hive::CurrentUser), profile->hive));
-  if (auto store = hostFile(dir, "C:\\Boot\\BCD"))
-    hives.add(mountOptionalHive(localMachine, L"BCD00000000", *store));
+  if (windows.find(std::string(kConfig) + "SAM"))
+    hives.add(mountOptionalHive(localMachine, L"SAM", {windows, std::string(kConfig) + "SAM"}));
+  std::optional<VolumeProfile> profile = user.empty() ? defaultProfile(localMachine, windows)
+                                                      : namedProfile(localMachine, windows, user);
+  if (profile)
+    hives.add(mountHiveFile(registry->root(Hive::CurrentUser), {windows, profile->hive}));
+  const MachineFiles& system = source.system ? *source.system : windows;
+  if (auto store = bootStore(system))
+    hives.add(mountOptionalHive(localMachine, L"BCD00000000", {system, *store}));
   nlohmann::json facts = registryMachineFacts(*registry, now ? now : clockAtRest(*registry, hives));
   addSamUsers(*registry, facts);
   if (profile) addUser(*profile, facts);
-  addPageFiles(*registry, dir, facts);
-  return Machine::fromDescription(facts, dir.string(), registry, std::move(hives.warnings));
+  std::shared_ptr<const MachineFiles> files =
+      source.lettered ? source.lettered(*registry) : source.windows;
+  addPageFiles(*registry, *files, facts);
+  return Machine::fromDescription(facts, source.name, registry, std::move(hives.warnings),
+                                  std::move(files));
+}
+
+VolumeSource folderVolume(const fs::path& dir) {
+  VolumeSource source;
+  source.name = dir.string();
+  source.windows = std::make_shared<FolderFiles>(FolderFiles::volume(dir));
+  return source;
 }
 
 }  // namespace
@@ -98,16 +112,21 @@ std::shared_ptr<Machine> loadVolume(const fs::path& dir, const std::string& user
 bool isOfflineVolume(const fs::path& dir) {
   std::error_code error;
   return !fs::exists(dir / "drive_c", error) &&
-         hostFile(dir, std::string(kConfig) + "SOFTWARE").has_value();
+         FolderFiles::volume(dir).find(std::string(kConfig) + "SOFTWARE").has_value();
 }
 
 std::shared_ptr<Machine> loadOfflineVolume(const fs::path& dir, std::optional<std::int64_t> now) {
-  return loadVolume(dir, "", now);
+  return loadVolume(folderVolume(dir), "", now);
 }
 
 std::shared_ptr<Machine> loadOfflineVolumeAs(const fs::path& dir, const std::string& user,
                                              std::optional<std::int64_t> now) {
-  return loadVolume(dir, user, now);
+  return loadVolume(folderVolume(dir), user, now);
+}
+
+std::shared_ptr<Machine> loadWindowsVolume(const VolumeSource& source, const std::string& user,
+                                           std::optional<std::int64_t> now) {
+  return loadVolume(source, user, now);
 }
 
 }  // namespace winapi

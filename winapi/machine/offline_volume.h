@@ -5,13 +5,27 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "winapi/files/machine_files.h"
+
 namespace winapi {
 
 class Machine;
+class Registry;
+
+// A Windows volume wherever it is kept.
+struct VolumeSource {
+  std::string name;                             // how messages name it: a folder, an image
+  std::shared_ptr<const MachineFiles> windows;  // the Windows volume, as drive C:
+  std::shared_ptr<const MachineFiles> system;   // the system partition as C:, when not `windows`
+  // The machine's drives lettered as its registry (SYSTEM's MountedDevices) assigns them, when
+  // they are more than `windows`.
+  std::function<std::shared_ptr<const MachineFiles>(const Registry&)> lettered;
+};
 
 // A directory holding Windows/System32/config/SOFTWARE, each component in any case.
 bool isOfflineVolume(const std::filesystem::path& dir);
@@ -25,6 +39,10 @@ std::shared_ptr<Machine> loadOfflineVolume(const std::filesystem::path& dir,
 std::shared_ptr<Machine> loadOfflineVolumeAs(const std::filesystem::path& dir,
                                              const std::string& user,
                                              std::optional<std::int64_t> now = std::nullopt);
+
+// The same for a volume anywhere.
+std::shared_ptr<Machine> loadWindowsVolume(const VolumeSource& source, const std::string& user,
+                                           std::optional<std::int64_t> now);
 
 }  // namespace winapi
 

@@ -4,12 +4,9 @@
 #include <cstdlib>
 
 #include "winapi/include/windows.h"
-#include "winapi/machine/host_path.h"
 #include "winapi/machine/machine.h"
 #include "winapi/support/text.h"
 #include "winapi/support/unicode_text.h"
-
-namespace fs = std::filesystem;
 
 namespace winapi {
 
@@ -43,10 +40,12 @@ std::string onVolume(std::string path) {
   return path;
 }
 
-std::optional<VolumeProfile> profileAt(const fs::path& volume, const std::string& folder) {
-  auto hive = findHostPath(volume.string(), folder + "\\NTUSER.DAT");
-  if (!hive) return std::nullopt;
-  return VolumeProfile{folder.substr(folder.find_last_of('\\') + 1), folder, *hive};
+std::optional<VolumeProfile> profileAt(const MachineFiles& volume, const std::string& folder) {
+  std::string hive = folder + "\\NTUSER.DAT";
+  std::optional<FileEntry> entry = volume.find(hive);
+  if (!entry || entry->directory) return std::nullopt;
+  return VolumeProfile{folder.substr(folder.find_last_of('\\') + 1), folder, hive,
+                       entry->lastWritten};
 }
 
 bool isUserSid(const std::wstring& sid) {
@@ -54,13 +53,10 @@ bool isUserSid(const std::wstring& sid) {
                      [&](const wchar_t* prefix) { return sid.rfind(prefix, 0) == 0; });
 }
 
-std::vector<VolumeProfile> profilesUnder(const fs::path& volume, const std::string& directory) {
+std::vector<VolumeProfile> profilesUnder(const MachineFiles& volume, const std::string& directory) {
   std::vector<VolumeProfile> profiles;
-  auto host = findHostPath(volume.string(), directory);
-  if (!host) return profiles;
-  std::error_code error;
-  for (fs::directory_iterator it(*host, error), end; !error && it != end; it.increment(error))
-    if (auto profile = profileAt(volume, directory + "\\" + it->path().filename().string()))
+  for (const FileEntry& entry : volume.list(directory))
+    if (auto profile = profileAt(volume, directory + "\\" + entry.name))
       profiles.push_back(*profile);
   return profiles;
 }
@@ -73,15 +69,8 @@ const VolumeProfile* named(const std::vector<VolumeProfile>& profiles, const std
 
 std::optional<VolumeProfile> newest(const std::vector<VolumeProfile>& profiles) {
   std::optional<VolumeProfile> last;
-  fs::file_time_type lastWrite = fs::file_time_type::min();
-  for (const VolumeProfile& profile : profiles) {
-    std::error_code error;
-    fs::file_time_type written = fs::last_write_time(profile.hive, error);
-    if (!error && written > lastWrite) {
-      lastWrite = written;
-      last = profile;
-    }
-  }
+  for (const VolumeProfile& profile : profiles)
+    if (!last || profile.lastWritten > last->lastWritten) last = profile;
   return last;
 }
 
@@ -97,7 +86,8 @@ std::optional<std::string> lastInteractiveUser(const RegistryKey& localMachine) 
 
 }  // namespace
 
-std::vector<VolumeProfile> volumeProfiles(const RegistryKey& localMachine, const fs::path& volume) {
+std::vector<VolumeProfile> volumeProfiles(const RegistryKey& localMachine,
+                                          const MachineFiles& volume) {
   std::vector<VolumeProfile> profiles;
   const RegistryKey* list = localMachine.find(kProfileList);
   if (list)
@@ -110,21 +100,21 @@ std::vector<VolumeProfile> volumeProfiles(const RegistryKey& localMachine, const
 }
 
 std::optional<VolumeProfile> defaultProfile(const RegistryKey& localMachine,
-                                            const fs::path& volume) {
+                                            const MachineFiles& volume) {
   std::vector<VolumeProfile> profiles = volumeProfiles(localMachine, volume);
   if (auto user = lastInteractiveUser(localMachine))
     if (const VolumeProfile* profile = named(profiles, *user)) return *profile;
   return newest(profiles);
 }
 
-VolumeProfile namedProfile(const RegistryKey& localMachine, const fs::path& volume,
+VolumeProfile namedProfile(const RegistryKey& localMachine, const MachineFiles& volume,
                            const std::string& name) {
   std::vector<VolumeProfile> profiles = volumeProfiles(localMachine, volume);
   if (const VolumeProfile* profile = named(profiles, name)) return *profile;
   std::string known;
   for (const VolumeProfile& profile : profiles)
     known += (known.empty() ? "" : ", ") + profile.folder;
-  throw MachineError(volume.string() + ": no profile named " + name +
+  throw MachineError(volume.describe("C:\\") + ": no profile named " + name +
                      " (profiles: " + (known.empty() ? "none" : known) + ")");
 }
 

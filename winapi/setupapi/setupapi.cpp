@@ -2,10 +2,8 @@
 // (inf_parser.h); an INFCONTEXT names a section and a line of it by index. Text goes out in
 // the machine's ANSI code page with the [Strings] substitutions done.
 #include <cstring>
-#include <fstream>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -56,14 +54,6 @@ std::vector<std::string> candidatePaths(const std::string& name) {
   return {machine.windowsDirectory() + "\\inf\\" + name, machine.systemDirectory() + "\\" + name};
 }
 
-std::optional<std::string> readFile(const std::string& hostPath) {
-  std::ifstream in(hostPath, std::ios::binary);
-  if (!in) return std::nullopt;
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
-}
-
 // The first field of `key` in [Version], when there is one.
 std::optional<std::string> versionEntry(const InfFile& file, const char* key) {
   std::optional<std::size_t> version = file.sectionIndex("Version");
@@ -102,7 +92,8 @@ HINF openInf(const std::string& name, LPCSTR infClass, DWORD style, PUINT errorL
     if (file.error == ERROR_SUCCESS) break;
   }
   if (file.error != ERROR_SUCCESS) return failOpen(file.error);
-  std::optional<std::string> bytes = readFile(file.hostPath);
+  std::optional<std::string> bytes =
+      winapi::readFileBytes(winapi::currentMachine().files().open(file.path).get());
   if (!bytes) return failOpen(ERROR_ACCESS_DENIED);
   try {
     auto inf = std::make_unique<OpenInf>(

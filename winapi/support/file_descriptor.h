@@ -4,6 +4,10 @@
 
 #include <unistd.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace winapi {
@@ -29,6 +33,10 @@ class FileDescriptor {
  private:
   int fd_ = -1;
 };
+
+// The file's first `limit` bytes (all of them when it is shorter), read from offset 0; nullopt
+// when it cannot be read, errno telling why.
+std::optional<std::string> readFileBytes(int fd, std::size_t limit = SIZE_MAX);
 
 }  // namespace winapi
 

@@ -3,7 +3,6 @@
 // the buffer and walks it. Unlike Windows, GetFileVersionInfoA wants the whole size that
 // GetFileVersionInfoSizeA gave: a shorter buffer would leave VerQueryValueA no room for the
 // ANSI copies of text values.
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,11 +24,11 @@
 
 namespace {
 
-// A file mapped for reading while the object lives.
+// A file mapped for reading while the object lives; the mapping outlives the descriptor.
 class MappedFile {
  public:
-  explicit MappedFile(const std::string& path) {
-    int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  explicit MappedFile(const winapi::FileDescriptor& file) {
+    const int descriptor = file.get();
     if (descriptor < 0) return;
     struct stat status;
     if (fstat(descriptor, &status) == 0) {
@@ -39,7 +38,6 @@ class MappedFile {
       readable_ = size_ == 0 || address != MAP_FAILED;
       if (size_ != 0 && address != MAP_FAILED) address_ = address;
     }
-    close(descriptor);
   }
   ~MappedFile() {
     if (address_) munmap(address_, size_);
@@ -77,7 +75,7 @@ struct VersionData {
 VersionData readVersionData(LPCSTR fileName) {
   winapi::MachineFile file = winapi::findMachineFile(fromAnsi(fileName));
   if (file.error != ERROR_SUCCESS) return {file.error, ""};
-  MappedFile mapped(file.hostPath);
+  MappedFile mapped(winapi::currentMachine().files().open(file.path));
   std::optional<std::string_view> image = mapped.bytes();
   if (!image) return {ERROR_ACCESS_DENIED, ""};
   winapi::ResourceLookup resource = winapi::findResource(*image, winapi::kVersionResourceType);
