@@ -84,12 +84,12 @@ TEST(OfflineVolume, DescriptionComesFromItsHivesAndItsLastUser) {
 TEST(OfflineVolume, AUserNamedPicksThatProfile) {
   TempDirectory volume;
   makeVolume(volume);
-  auto machine = Machine::load(volume.path(), "OLDUSER");
+  auto machine = Machine::load(volume.path(), {"OLDUSER", std::nullopt, std::nullopt});
   EXPECT_EQ(machine->description()["userName"], "olduser");
   EXPECT_EQ(machine->environment().find("WHO")->value, "olduser");
   for (const char* user : {"nobody", "../Users/bob"}) {
     try {
-      Machine::load(volume.path(), user);
+      Machine::load(volume.path(), {user, std::nullopt, std::nullopt});
       ADD_FAILURE() << user << " was found";
     } catch (const MachineError& error) {
       EXPECT_EQ(

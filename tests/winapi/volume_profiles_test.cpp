@@ -99,9 +99,10 @@ TEST(VolumeProfiles, BeforeVistaProfilesAreInDocumentsAndSettingsAndWinlogonName
   EXPECT_EQ(machine->environment().find("USERPROFILE")->value, "C:\\Documents and Settings\\alice");
   EXPECT_EQ(machine->environment().find("HOMEPATH")->value, "\\Documents and Settings\\alice");
 
-  EXPECT_EQ(who(*Machine::load(volume.path(), "BOB")), "Documents and Settings/bob");
+  EXPECT_EQ(who(*Machine::load(volume.path(), {"BOB", std::nullopt, std::nullopt})),
+            "Documents and Settings/bob");
   try {
-    Machine::load(volume.path(), "carol");
+    Machine::load(volume.path(), {"carol", std::nullopt, std::nullopt});
     ADD_FAILURE() << "carol has no profile";
   } catch (const MachineError& error) {
     EXPECT_EQ(std::string(error.what()),

@@ -27,7 +27,12 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   Options& options = parsed.options;
   CLI::App app("Inventories one Windows machine as CIM instances.", "vrxhost");
   app.add_option("--machine", options.machine,
-                 "machine directory to inventory (Linux; default: the sample machine)");
+                 "machine directory or disk image to inventory (Linux; default: the sample "
+                 "machine)");
+  app.add_option("--partition", options.partition,
+                 "the Windows partition of a disk image, numbered as its partition table "
+                 "numbers it (1 for the first)")
+      ->check(CLI::Range(1u, 65535u));
   app.add_option("--user", options.user, "profile of an offline Windows volume");
   app.add_option("--now", options.now,
                  "the machine's present time (ISO 8601 with zone, or CIM date-time text)");

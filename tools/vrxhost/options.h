@@ -10,6 +10,8 @@ struct Options {
   std::string machine;
   std::string user;
   std::string now;  // as given: ISO 8601 with its zone, or CIM date-time text
+  // The Windows partition of a disk image, as its partition table numbers it; 0 when not chosen.
+  unsigned partition = 0;
   std::string schema;
   std::string plugin;
   std::string format = "json";

@@ -37,7 +37,9 @@ void presentMachine(const Options& options) {
                                 ": expected an ISO 8601 time with its zone "
                                 "(2026-11-22T10:15:30Z, 2026-11-22T11:15:30+01:00) or CIM "
                                 "date-time text (20261122111530.000000+060)");
-  winapi::setCurrentMachine(winapi::Machine::load(dir, options.user, now));
+  winapi::setCurrentMachine(winapi::Machine::load(
+      dir, {options.user, now,
+            options.partition ? std::optional<unsigned>(options.partition) : std::nullopt}));
 }
 
 std::vector<std::string> machineWarnings() { return winapi::currentMachine().warnings(); }

@@ -24,10 +24,11 @@ bool replaceFile(const std::string& from, const std::string& to) {
 }
 
 void presentMachine(const Options& options) {
-  if (!options.machine.empty() || !options.user.empty() || !options.now.empty())
+  if (!options.machine.empty() || !options.user.empty() || !options.now.empty() ||
+      options.partition != 0)
     throw std::invalid_argument(
-        "--machine, --user and --now are for Linux; on Windows vrxhost inventories the machine "
-        "it runs on, at its own time");
+        "--machine, --partition, --user and --now are for Linux; on Windows vrxhost inventories "
+        "the machine it runs on, at its own time");
 }
 
 std::vector<std::string> machineWarnings() { return {}; }

@@ -119,18 +119,17 @@ std::string upperDirectoryName(const std::string& directory) {
 
 }  // namespace
 
-std::shared_ptr<Machine> Machine::load(const std::string& dir, const std::string& user,
-                                       std::optional<std::int64_t> now) {
-  if (!user.empty()) {
+std::shared_ptr<Machine> Machine::load(const std::string& dir, const MachineChoice& choice) {
+  if (!choice.user.empty()) {
     if (!isOfflineVolume(dir))
       throw MachineError(dir + ": a profile is picked on an offline volume");
-    return loadOfflineVolumeAs(dir, user, now);
+    return loadOfflineVolumeAs(dir, choice.user, choice.now);
   }
   std::error_code error;
   if (!fs::exists(dir, error)) throw MachineError(dir + ": no such directory");
   if (!fs::is_directory(dir, error)) throw MachineError(dir + ": not a directory");
   for (const MachineKind& kind : kKinds)
-    if (kind.recognises(dir)) return kind.load(dir, now);
+    if (kind.recognises(dir)) return kind.load(dir, choice.now);
   throw MachineError(dir +
                      ": not a machine directory (no machine.json, registry/, drive_c/, "
                      "system.reg with user.reg, or Windows/System32/config/SOFTWARE)");

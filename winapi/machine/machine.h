@@ -18,6 +18,7 @@
 
 #include "winapi/files/machine_files.h"
 #include "winapi/machine/environment_block.h"
+#include "winapi/machine/machine_choice.h"
 #include "winapi/support/errors.h"
 #include "winapi/support/registry_store.h"
 #include "winapi/support/text.h"
@@ -55,11 +56,8 @@ using MachineTime = std::chrono::time_point<std::chrono::system_clock, std::chro
 
 class Machine {
  public:
-  // Reads the machine directory `dir`; throws MachineError.
-  // `user` (not empty) picks the profile of an offline Windows volume; `now` (milliseconds since
-  // 1970 UTC) is the machine's clock in place of its own.
-  static std::shared_ptr<Machine> load(const std::string& dir, const std::string& user = "",
-                                       std::optional<std::int64_t> now = std::nullopt);
+  // Reads the machine at `path`, a machine directory or a disk image; throws MachineError.
+  static std::shared_ptr<Machine> load(const std::string& path, const MachineChoice& choice = {});
   // A machine given by the contents of a machine.json, checked as load() checks the file.
   // `directory` may name a directory holding registry/, drive_c/ …; the computer name defaults
   // to its name, or to "LOCALHOST" without one. A `registry` given is the machine's instead of
