@@ -7,6 +7,7 @@
 #include "test_hive.h"
 #include "test_machine.h"
 #include "test_sam.h"
+#include "winapi/include/lm.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/hive_file.h"
 #include "winapi/machine/machine.h"
