@@ -6,9 +6,15 @@
 #include "frame/cim_value_builder.h"
 #include "frame/date_time_parser.h"
 #include "frame/narrow_text.h"
-#include "frame/platform.h"
 #include "frame/schema_names.h"
 #include "host/os_specific.h"
+
+// The SDK headers below need <windows.h> before them.
+// clang-format off
+#include "frame/platform.h"
+
+#include <lm.h>
+// clang-format on
 
 namespace installedapps_col {
 

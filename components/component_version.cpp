@@ -4,9 +4,15 @@
 #include <cstring>
 #include <vector>
 
-#include "component_platform.h"
 #include "components/component_names.h"
 #include "components/os_component_info.h"
+
+// The SDK headers below need <windows.h> before them.
+// clang-format off
+#include "frame/platform.h"
+
+#include <winver.h>
+// clang-format on
 
 namespace installedapps_col {
 

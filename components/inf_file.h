@@ -4,7 +4,12 @@
 
 #include <string>
 
-#include "component_platform.h"
+// The SDK headers below need <windows.h> before them.
+// clang-format off
+#include "frame/platform.h"
+
+#include <setupapi.h>
+// clang-format on
 
 namespace installedapps_col {
 

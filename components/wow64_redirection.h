@@ -6,7 +6,7 @@
 
 #include <functional>
 
-#include "component_platform.h"
+#include "frame/platform.h"
 
 namespace installedapps_col {
 

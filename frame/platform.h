@@ -16,5 +16,6 @@
 // layer answers vrx_getenv for the machine's process.
 inline char* vrx_getenv(const char* name) { return std::getenv(name); }
 #else
+#include "winapi/include/c_runtime.h"
 #include "winapi/include/windows.h"
 #endif

@@ -12,7 +12,14 @@
 #include "os/os_names.h"
 #include "os/pdh_status_text.h"
 #include "os/time_zone_info.h"
-#include "os_platform.h"
+
+// The SDK headers below need <windows.h> before them.
+// clang-format off
+#include "frame/platform.h"
+
+#include <pdh.h>
+#include <pdhmsg.h>
+// clang-format on
 
 namespace installedapps_col {
 

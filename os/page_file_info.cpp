@@ -11,7 +11,13 @@
 #include "frame/procedure.h"
 #include "frame/schema_names.h"
 #include "os/os_names.h"
-#include "os_platform.h"
+
+// The SDK headers below need <windows.h> before them.
+// clang-format off
+#include "frame/platform.h"
+
+#include <psapi.h>
+// clang-format on
 
 namespace installedapps_col {
 

@@ -4,11 +4,18 @@
 #include <cstring>
 #include <sstream>
 
-#include "frame/platform.h"
 #include "frame/schema_names.h"
 #include "host/root_object.h"
 #include "software/software_names.h"
 #include "software/windows_fix_info.h"
+
+// The SDK headers below need <windows.h> before them.
+// clang-format off
+#include "frame/platform.h"
+
+#include <wbemidl.h>
+#include <comdef.h>
+// clang-format on
 
 namespace installedapps_col {
 

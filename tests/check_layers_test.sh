@@ -10,7 +10,6 @@ put() { mkdir -p "$tree/$(dirname "$1")" && printf '%s\n' "${@:2}" >"$tree/$1"; 
 put frame/platform.h '#include "winapi/include/windows.h"'
 put frame/get_info.cpp '#include "frame/get_info.h"' '#include <string>' '#include "os/os_names.h"'
 put os/os_info.cpp '#include "frame/get_info.h"' '#include "host/status.h"' '#include "accounts/a.h"'
-put os/platform_machine/os_platform.h '#include "winapi/include/windows.h"'
 put accounts/a.cpp '#include "winapi/machine/machine.h"'
 put plugin/table.cpp '#include "os/os_info.h"' '#include "accounts/a.h"' '#include "frame/get_info.h"'
 put vrxcore/os_specific.cpp '#include "host/os_specific.h"' '#include "frame/platform.h"'

@@ -23,7 +23,7 @@ declare -A allowed=(
 seam() {
   case "$1" in
     tools/vrxhost/*) [[ $1 == tools/vrxhost/platform_linux.cpp ]] ;;
-    frame/platform.h | */platform_machine/* | *_machine.cpp) true ;;
+    frame/platform.h | *_machine.cpp) true ;;
     *) false ;;
   esac
 }

@@ -1,9 +1,9 @@
 #include "vrxcore/machine_text.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <vector>
-
-#include "core_platform.h"
 
 namespace NZARVEK20 {
 

@@ -1,6 +1,6 @@
 #include "host/os_specific.h"
 
-#include "core_platform.h"
+#include <windows.h>
 
 namespace NZARVEK20 {
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "test_machine.h"
+#include "winapi/include/c_runtime.h"
 #include "winapi/include/windows.h"
 
 using nlohmann::json;

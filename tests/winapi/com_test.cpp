@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "test_machine.h"
+#include "winapi/include/comdef.h"
+#include "winapi/include/wbemidl.h"
 #include "winapi/include/windows.h"
 
 namespace {

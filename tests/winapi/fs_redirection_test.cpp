@@ -6,6 +6,7 @@
 
 #include "frame/procedure.h"
 #include "test_machine.h"
+#include "winapi/include/setupapi.h"
 #include "winapi/include/windows.h"
 
 namespace {

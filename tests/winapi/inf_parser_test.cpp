@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "winapi/include/setupapi.h"
 #include "winapi/include/windows.h"
 
 namespace {

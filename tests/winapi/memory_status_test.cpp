@@ -4,6 +4,7 @@
 #include <string>
 
 #include "test_machine.h"
+#include "winapi/include/psapi.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/machine.h"
 

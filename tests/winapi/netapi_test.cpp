@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "test_machine.h"
+#include "winapi/include/lm.h"
 #include "winapi/include/windows.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "test_machine.h"
+#include "winapi/include/comdef.h"
 #include "winapi/include/windows.h"
 
 namespace {

@@ -1,3 +1,5 @@
+#include "winapi/include/pdh.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -6,6 +8,7 @@
 
 #include "test_machine.h"
 #include "winapi/formats/pdh_paths.h"
+#include "winapi/include/pdhmsg.h"
 #include "winapi/include/windows.h"
 
 using nlohmann::json;

@@ -1,3 +1,5 @@
+#include "winapi/include/setupapi.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>

@@ -8,6 +8,7 @@
 #include "test_machine.h"
 #include "test_sam.h"
 #include "winapi/files/folder_files.h"
+#include "winapi/include/lm.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/hive_file.h"
 #include "winapi/machine/machine.h"

@@ -3,6 +3,8 @@
 #include <string>
 
 #include "test_machine.h"
+#include "winapi/include/comdef.h"
+#include "winapi/include/wbemidl.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/machine.h"
 

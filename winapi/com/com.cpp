@@ -6,6 +6,7 @@
 #include "winapi/com/com_object.h"
 #include "winapi/com/wmi.h"
 #include "winapi/include/objbase.h"
+#include "winapi/include/wbemidl.h"
 #include "winapi/machine/faults.h"
 
 extern "C" const IID IID_IUnknown = {

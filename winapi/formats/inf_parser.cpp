@@ -2,6 +2,7 @@
 // position and returning where the next state goes on (the shape of SetupAPI's own reader).
 #include "winapi/formats/inf_parser.h"
 
+#include "winapi/include/setupapi.h"
 #include "winapi/include/windows.h"
 #include "winapi/support/unicode_text.h"
 

@@ -2,11 +2,10 @@
 // the clock and zone as <time.h> declares them (c_runtime_time.cpp), and vrx_getenv, which the
 // platform header names for the C runtime's getenv on every platform.
 
-// First, and outside the guard: windows.h declares the basic types and then includes this file.
-#include "winapi/include/windows.h"
-
 #ifndef VRX_WINAPI_C_RUNTIME_H
 #define VRX_WINAPI_C_RUNTIME_H
+
+#include "winapi/include/windows.h"
 
 typedef int errno_t;
 typedef long long __time64_t;

@@ -2,15 +2,13 @@
 // BSTR owned by a _bstr_t, and _com_error, which is thrown when one cannot be allocated.
 // Only wide text makes a _bstr_t: mingw-w64 has no support library to convert narrow text.
 
-// First, and outside the guard: windows.h declares the basic types and then includes this file.
-#include "winapi/include/windows.h"
-
 #ifndef VRX_WINAPI_COMDEF_H
 #define VRX_WINAPI_COMDEF_H
 
 #include <memory>
 
 #include "winapi/include/oleauto.h"
+#include "winapi/include/windows.h"
 
 class _com_error {
  public:

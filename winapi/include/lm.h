@@ -2,11 +2,10 @@
 // (NetUserEnum level 3), the users logged on (NetWkstaUserEnum level 1) and freeing their
 // buffers.
 
-// First, and outside the guard: windows.h declares the basic types and then includes this file.
-#include "winapi/include/windows.h"
-
 #ifndef VRX_WINAPI_LM_H
 #define VRX_WINAPI_LM_H
+
+#include "winapi/include/windows.h"
 
 #define NET_API_FUNCTION
 

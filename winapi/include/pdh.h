@@ -1,29 +1,14 @@
-// Performance Data Helper as <pdh.h>, <pdhmsg.h> and <winperf.h> declare it, as far as the
-// collector uses it (pdh.cpp).
-
-// First, and outside the guard: windows.h declares the basic types and then includes this file.
-#include "winapi/include/windows.h"
+// Performance Data Helper as <pdh.h> and <winperf.h> declare it, as far as the collector uses it
+// (pdh.cpp); its status codes are in pdhmsg.h.
 
 #ifndef VRX_WINAPI_PDH_H
 #define VRX_WINAPI_PDH_H
 
+#include "winapi/include/windows.h"
+
 typedef LONG PDH_STATUS;
 typedef HANDLE PDH_HQUERY;
 typedef HANDLE PDH_HCOUNTER;
-
-#define PDH_CSTATUS_VALID_DATA ((DWORD)0x00000000)
-#define PDH_CSTATUS_NO_MACHINE ((DWORD)0x800007D0)
-#define PDH_CSTATUS_NO_INSTANCE ((DWORD)0x800007D1)
-#define PDH_MORE_DATA ((DWORD)0x800007D2)
-#define PDH_NO_DATA ((DWORD)0x800007D5)
-#define PDH_CSTATUS_NO_OBJECT ((DWORD)0xC0000BB8)
-#define PDH_CSTATUS_NO_COUNTER ((DWORD)0xC0000BB9)
-#define PDH_CSTATUS_INVALID_DATA ((DWORD)0xC0000BBA)
-#define PDH_INVALID_HANDLE ((DWORD)0xC0000BBC)
-#define PDH_INVALID_ARGUMENT ((DWORD)0xC0000BBD)
-#define PDH_CSTATUS_BAD_COUNTERNAME ((DWORD)0xC0000BC0)
-#define PDH_INVALID_DATA ((DWORD)0xC0000BC6)
-#define PDH_FILE_NOT_FOUND ((DWORD)0xC0000BD1)
 
 #define PDH_VERSION ((DWORD)0x00000503)
 #define PDH_FMT_LONG ((DWORD)0x00000100)

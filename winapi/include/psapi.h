@@ -1,11 +1,10 @@
 // Process-status records as <psapi.h> declares them, as far as the collector uses them
 // (memory_status.cpp, page_files.cpp).
 
-// First, and outside the guard: windows.h declares the basic types and then includes this file.
-#include "winapi/include/windows.h"
-
 #ifndef VRX_WINAPI_PSAPI_H
 #define VRX_WINAPI_PSAPI_H
+
+#include "winapi/include/windows.h"
 
 // Sizes in pages, PageSize in bytes.
 typedef struct _PERFORMANCE_INFORMATION {

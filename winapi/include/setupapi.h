@@ -1,11 +1,10 @@
 // SetupAPI's INF functions as <setupapi.h> declares them, as far as the collector uses them
 // (setupapi.cpp).
 
-// First, and outside the guard: windows.h declares the basic types and then includes this file.
-#include "winapi/include/windows.h"
-
 #ifndef VRX_WINAPI_SETUPAPI_H
 #define VRX_WINAPI_SETUPAPI_H
+
+#include "winapi/include/windows.h"
 
 typedef PVOID HINF;
 

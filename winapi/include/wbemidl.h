@@ -2,14 +2,12 @@
 // namespace's services, the enumerator of a query and the objects it delivers. The interfaces
 // carry the methods the collector calls, with the signatures of the Windows headers.
 
-// First, and outside the guard: windows.h declares the basic types and then includes this file.
-#include "winapi/include/windows.h"
-
 #ifndef VRX_WINAPI_WBEMIDL_H
 #define VRX_WINAPI_WBEMIDL_H
 
 #include "winapi/include/objbase.h"
 #include "winapi/include/oleauto.h"
+#include "winapi/include/windows.h"
 
 typedef LONG CIMTYPE;
 

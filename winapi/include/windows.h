@@ -1,8 +1,8 @@
 // The Win32 names the collector uses, declared for Linux, where libvrxwinapi answers them
 // for the current machine (see machine.h). Only names in use are declared; add a name here, or
 // in the header of the SDK that declares it, together with its implementation and its line in
-// exports.cpp. The other headers are included at the end, as the platform header includes only
-// this one.
+// exports.cpp. As on Windows, this header brings some of the other SDK headers (at its end) and
+// not the rest.
 #ifndef VRX_WINAPI_WINDOWS_H
 #define VRX_WINAPI_WINDOWS_H
 
@@ -331,15 +331,10 @@ LONG WINAPI ZwQuerySystemInformation(ULONG SystemInformationClass, PVOID SystemI
                                      ULONG SystemInformationLength, PULONG ReturnLength);
 }  // extern "C"
 
-#include "winapi/include/c_runtime.h"
-#include "winapi/include/comdef.h"
-#include "winapi/include/lm.h"
+// What <windows.h> brings of the other SDK headers: the version resources, the registry and,
+// through <ole2.h>, COM and OLE Automation. The others are included by the code that uses them.
 #include "winapi/include/objbase.h"
 #include "winapi/include/oleauto.h"
-#include "winapi/include/pdh.h"
-#include "winapi/include/psapi.h"
-#include "winapi/include/setupapi.h"
-#include "winapi/include/wbemidl.h"
 #include "winapi/include/winreg.h"
 #include "winapi/include/winver.h"
 

@@ -4,6 +4,11 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "winapi/include/lm.h"
+#include "winapi/include/pdh.h"
+#include "winapi/include/psapi.h"
+#include "winapi/include/setupapi.h"
+
 namespace winapi {
 
 namespace {

@@ -3,6 +3,7 @@
 // the call fails with ERROR_NOT_SUPPORTED, which no real Windows gives it.
 #include <utility>
 
+#include "winapi/include/psapi.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/faults.h"
 #include "winapi/machine/machine_figures.h"

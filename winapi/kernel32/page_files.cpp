@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "winapi/include/psapi.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/faults.h"
 #include "winapi/machine/machine.h"

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 
+#include "winapi/include/c_runtime.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/faults.h"
 #include "winapi/machine/machine.h"

@@ -1,4 +1,5 @@
 // The C runtime's getenv as the machine's process sees it (vrx_getenv in c_runtime.h).
+#include "winapi/include/c_runtime.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/machine.h"
 

@@ -3,6 +3,8 @@
 // PdhCollectQueryData. A figure the machine does not give leaves its counter without data, and
 // a collection in which no counter got data answers PDH_NO_DATA, as Windows does when it could
 // read nothing for a query.
+#include "winapi/include/pdh.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -14,6 +16,7 @@
 #include <vector>
 
 #include "winapi/formats/pdh_paths.h"
+#include "winapi/include/pdhmsg.h"
 #include "winapi/include/windows.h"
 #include "winapi/machine/faults.h"
 #include "winapi/machine/machine.h"

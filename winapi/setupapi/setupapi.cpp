@@ -1,6 +1,8 @@
 // SetupAPI's INF functions over the machine's files. An INF handle holds the parsed file
 // (inf_parser.h); an INFCONTEXT names a section and a line of it by index. Text goes out in
 // the machine's ANSI code page with the [Strings] substitutions done.
+#include "winapi/include/setupapi.h"
+
 #include <cstring>
 #include <memory>
 #include <optional>

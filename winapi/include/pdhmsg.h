@@ -1,0 +1,23 @@
+// The status codes of the Performance Data Helper as <pdhmsg.h> declares them, as far as the
+// collector and pdh.cpp use them.
+
+#ifndef VRX_WINAPI_PDHMSG_H
+#define VRX_WINAPI_PDHMSG_H
+
+#include "winapi/include/windows.h"
+
+#define PDH_CSTATUS_VALID_DATA ((DWORD)0x00000000)
+#define PDH_CSTATUS_NO_MACHINE ((DWORD)0x800007D0)
+#define PDH_CSTATUS_NO_INSTANCE ((DWORD)0x800007D1)
+#define PDH_MORE_DATA ((DWORD)0x800007D2)
+#define PDH_NO_DATA ((DWORD)0x800007D5)
+#define PDH_CSTATUS_NO_OBJECT ((DWORD)0xC0000BB8)
+#define PDH_CSTATUS_NO_COUNTER ((DWORD)0xC0000BB9)
+#define PDH_CSTATUS_INVALID_DATA ((DWORD)0xC0000BBA)
+#define PDH_INVALID_HANDLE ((DWORD)0xC0000BBC)
+#define PDH_INVALID_ARGUMENT ((DWORD)0xC0000BBD)
+#define PDH_CSTATUS_BAD_COUNTERNAME ((DWORD)0xC0000BC0)
+#define PDH_INVALID_DATA ((DWORD)0xC0000BC6)
+#define PDH_FILE_NOT_FOUND ((DWORD)0xC0000BD1)
+
+#endif
