@@ -22,6 +22,26 @@ std::string tskMessage() {
   return message;
 }
 
+// The file systems looked for, each probed on its own: TSK's detection of all of them also probes
+// for YAFFS2, a flash file system never found on these disks, and reads tens of megabytes doing it.
+const TSK_FS_TYPE_ENUM probedFileSystems[] = {TSK_FS_TYPE_NTFS_DETECT,    TSK_FS_TYPE_FAT_DETECT,
+                                              TSK_FS_TYPE_EXFAT,          TSK_FS_TYPE_EXT_DETECT,
+                                              TSK_FS_TYPE_HFS_DETECT,     TSK_FS_TYPE_APFS_DETECT,
+                                              TSK_FS_TYPE_ISO9660_DETECT, TSK_FS_TYPE_FFS_DETECT};
+
+// The file system at `offset`; nullptr when none is found, with TSK's reason in `reason`.
+TSK_FS_INFO* openFileSystem(TSK_IMG_INFO* image, std::uint64_t offset, std::string& reason) {
+  reason.clear();
+  for (const TSK_FS_TYPE_ENUM type : probedFileSystems) {
+    if (TSK_FS_INFO* fileSystem = tsk_fs_open_img(image, static_cast<TSK_OFF_T>(offset), type))
+      return fileSystem;
+    // NTFS is probed first: its reason is the one worth reporting.
+    const std::string message = tskMessage();
+    if (reason.empty()) reason = message;
+  }
+  return nullptr;
+}
+
 FileSystemKind kindOf(TSK_FS_TYPE_ENUM type) {
   if (TSK_FS_TYPE_ISNTFS(type)) return FileSystemKind::Ntfs;
   if (TSK_FS_TYPE_ISFAT(type)) return FileSystemKind::Fat;
@@ -58,14 +78,13 @@ std::shared_ptr<const DiskImage> DiskImage::open(const std::string& path) {
 
 void DiskImage::addPartition(Partition partition) {
   std::unique_ptr<FileSystemTree> tree;
+  std::string reason;
   std::string problem = path_ + ": " + describePartition(partition) + " holds no file system";
   const std::string boot = image_->read(partition.offset, oemNameOffset + 8);
   const bool bitLocker =
       boot.size() == oemNameOffset + 8 && boot.compare(oemNameOffset, 8, bitLockerSignature) == 0;
   TSK_FS_INFO* fileSystem =
-      bitLocker ? nullptr
-                : tsk_fs_open_img(image_->get(), static_cast<TSK_OFF_T>(partition.offset),
-                                  TSK_FS_TYPE_DETECT);
+      bitLocker ? nullptr : openFileSystem(image_->get(), partition.offset, reason);
   if (bitLocker) {
     partition.fileSystem = FileSystemKind::BitLocker;
     partition.fileSystemName = "BitLocker";
@@ -83,7 +102,7 @@ void DiskImage::addPartition(Partition partition) {
     partition.fileSystem = FileSystemKind::Ntfs;
     partition.fileSystemName = "NTFS";
     problem = path_ + ": the NTFS file system of " + describePartition(partition) +
-              " cannot be read (" + tskMessage() + ")";
+              " cannot be read (" + reason + ")";
   }
   tsk_error_reset();
   partitions_.push_back(std::move(partition));

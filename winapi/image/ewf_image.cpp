@@ -8,6 +8,16 @@ namespace winapi {
 
 namespace {
 
+// "disk.E01, disk.E02": the names of the segments found, without their folder.
+std::string segmentNames(char** segments, int count) {
+  std::string names;
+  for (int i = 0; i < count; ++i) {
+    const std::string segment = segments[i];
+    names += (i ? ", " : "") + segment.substr(segment.rfind('/') + 1);
+  }
+  return names;
+}
+
 struct Ewf {
   using Handle = libewf_handle_t;
   using Error = libewf_error_t;
@@ -20,15 +30,23 @@ struct Ewf {
   static constexpr auto sprint = libewf_error_sprint;
   static constexpr auto errorFree = libewf_error_free;
 
-  static int open(Handle* handle, const std::string& path, Error** error) {
+  static int open(Handle* handle, const std::string& path, Error** error, std::string& refusal) {
     char** segments = nullptr;
     int count = 0;
     if (libewf_glob(path.c_str(), path.size(), LIBEWF_FORMAT_UNKNOWN, &segments, &count, error) !=
         1)
       return -1;
     const int result = libewf_handle_open(handle, segments, count, LIBEWF_OPEN_READ, error);
+    const std::string found = segmentNames(segments, count);
     libewf_glob_free(segments, count, nullptr);
-    return result == 1 ? 1 : -1;
+    if (result != 1) return -1;
+    // The segments after a missing one are not found; libewf opens those before it and marks them.
+    const int corrupted = libewf_handle_segment_files_corrupted(handle, error);
+    if (corrupted != 1) return corrupted == 0 ? 1 : -1;
+    libewf_handle_close(handle, nullptr);
+    refusal =
+        "its segment files are incomplete or damaged (found " + found + "); is a segment missing?";
+    return 0;
   }
   static std::string format(Handle*) { return name; }
 };

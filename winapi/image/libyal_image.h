@@ -1,7 +1,8 @@
 // A disk read through one of the libyal container libraries, which all share one shape: a handle
 // initialised, opened read-only, asked its media size and read at offsets. `Library` names the
-// library's functions (see vhdi_image.cpp and its siblings); its open returns 1 when opened, 0 for
-// a differencing disk (left closed), -1 on error.
+// library's functions (see vhdi_image.cpp and its siblings); its open returns 1 when opened, -1 on
+// the library's error, 0 for a disk that cannot be read as it is, left closed (the reason in its
+// last argument).
 #ifndef VRX_WINAPI_IMAGE_LIBYAL_IMAGE_H
 #define VRX_WINAPI_IMAGE_LIBYAL_IMAGE_H
 
@@ -26,11 +27,9 @@ class LibyalImage final : public ImageBytes {
     Handle* handle = nullptr;
     if (Library::initialize(&handle, &error) != 1) throw failure(path, error);
     std::unique_ptr<LibyalImage> image(new LibyalImage(handle));
-    const int opened = Library::open(handle, path, &error);
-    if (opened == 0)
-      throw MachineError(path +
-                         ": is a differencing disk, which holds only the changes to a "
-                         "parent disk; give the parent disk instead");
+    std::string refusal;
+    const int opened = Library::open(handle, path, &error, refusal);
+    if (opened == 0) throw MachineError(path + ": " + refusal);
     if (opened != 1) throw failure(path, error);
     image->opened_ = true;
     std::uint64_t size = 0;

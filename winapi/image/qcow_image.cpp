@@ -20,7 +20,7 @@ struct Qcow {
   static constexpr auto sprint = libqcow_error_sprint;
   static constexpr auto errorFree = libqcow_error_free;
 
-  static int open(Handle* handle, const std::string& path, Error** error) {
+  static int open(Handle* handle, const std::string& path, Error** error, std::string&) {
     return libqcow_file_open(handle, path.c_str(), LIBQCOW_OPEN_READ, error) == 1 ? 1 : -1;
   }
   static std::string format(Handle*) { return "QCOW2"; }

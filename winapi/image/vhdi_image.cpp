@@ -20,21 +20,24 @@ struct Vhdi {
   static constexpr auto sprint = libvhdi_error_sprint;
   static constexpr auto errorFree = libvhdi_error_free;
 
-  static int open(Handle* handle, const std::string& path, Error** error) {
+  static int open(Handle* handle, const std::string& path, Error** error, std::string& refusal) {
     if (libvhdi_file_open(handle, path.c_str(), LIBVHDI_OPEN_READ, error) != 1) return -1;
     // A differencing disk holds only what changed since its parent, which is not read here.
     std::uint32_t type = 0;
     if (libvhdi_file_get_disk_type(handle, &type, error) != 1) return -1;
     if (type == LIBVHDI_DISK_TYPE_DIFFERENTIAL) {
       libvhdi_file_close(handle, nullptr);
+      refusal =
+          "is a differencing disk, which holds only the changes to a parent disk; give the "
+          "parent disk instead";
       return 0;
     }
     return 1;
   }
   static std::string format(Handle* handle) {
-    std::uint16_t major = 0, minor = 0;
-    libvhdi_file_get_format_version(handle, &major, &minor, nullptr);
-    return major >= 2 ? "VHDX" : "VHD";
+    int type = LIBVHDI_FILE_TYPE_UNKNOWN;
+    libvhdi_file_get_file_type(handle, &type, nullptr);
+    return type == LIBVHDI_FILE_TYPE_VHDX ? "VHDX" : "VHD";
   }
 };
 

@@ -20,7 +20,7 @@ struct Vmdk {
   static constexpr auto sprint = libvmdk_error_sprint;
   static constexpr auto errorFree = libvmdk_error_free;
 
-  static int open(Handle* handle, const std::string& path, Error** error) {
+  static int open(Handle* handle, const std::string& path, Error** error, std::string&) {
     if (libvmdk_handle_open(handle, path.c_str(), LIBVMDK_OPEN_READ, error) != 1) return -1;
     return libvmdk_handle_open_extent_data_files(handle, error) == 1 ? 1 : -1;
   }
