@@ -10,6 +10,9 @@
 #                           2 Windows (NTFS, VOLUME_DIR), 3 data (NTFS, --data DIR)
 #              mbr          1 "System Reserved" (NTFS, Boot/BCD), 2 Windows (NTFS, VOLUME_DIR)
 #              bare         the Windows NTFS volume alone, no partition table
+#              The partitions' identities are fixed, so that a volume's MountedDevices can name
+#              them: GPT unique GUIDs 0000000N-5752-4e49-8000-000000000000 for partition N, MBR
+#              disk signature 0x57524e49.
 #              two-windows  MBR: 1 Windows (VOLUME_DIR), 2 extended holding 5 Windows (--second)
 # OUTPUT_BASE  writes OUTPUT_BASE.raw, and OUTPUT_BASE.<ext> for each container asked for
 # VOLUME_DIR   the files of the Windows volume (Windows/System32/config/SOFTWARE …)
@@ -88,6 +91,10 @@ gpt_sectors() {
   echo "$first $((last + 1 - first))"
 }
 
+# guid N: the unique GUID of GPT partition N.
+guid() { printf '%08x-5752-4e49-8000-000000000000' "$1"; }
+signature=0x57524e49
+
 mib=2048  # sectors
 rm -f "$raw"
 case $layout in
@@ -100,7 +107,8 @@ case $layout in
     windows_mib=$(((size_mib - 42) * 2 / 3))
     quiet sgdisk -o -n "1:2048:+40M" -t 1:ef00 -c "1:EFI system partition" \
       -n "2:0:+${windows_mib}M" -t 2:0700 -c "2:Basic data partition" \
-      -n 3:0:0 -t 3:0700 -c "3:Data" "$raw"
+      -n 3:0:0 -t 3:0700 -c "3:Data" \
+      -u 1:$(guid 1) -u 2:$(guid 2) -u 3:$(guid 3) "$raw"
     sgdisk -i 3 "$raw" | grep -q 'Partition name' || { echo "sgdisk wrote no table" >&2; exit 1; }
     fat_volume $(gpt_sectors 1)
     ntfs_volume $(gpt_sectors 2) Windows "$volume"
@@ -108,7 +116,7 @@ case $layout in
     ;;
   mbr)
     truncate -s "${size_mib}M" "$raw"
-    printf 'label: dos\nstart=2048, size=%d, type=7, bootable\nstart=%d, type=7\n' \
+    printf 'label: dos\nlabel-id: %s\nstart=2048, size=%d, type=7, bootable\nstart=%d, type=7\n' "$signature" \
       $((16 * mib)) $((17 * mib)) | quiet sfdisk "$raw"
     ntfs_volume 2048 $((16 * mib)) "System Reserved" "$(boot_files reserved Boot/BCD)"
     ntfs_volume $((17 * mib)) $(((size_mib - 17) * mib)) Windows "$volume"
@@ -116,7 +124,7 @@ case $layout in
   two-windows)
     truncate -s "${size_mib}M" "$raw"
     half=$(((size_mib - 4) / 2))
-    printf 'label: dos\nstart=2048, size=%d, type=7\nstart=%d, type=5\nstart=%d, type=7\n' \
+    printf 'label: dos\nlabel-id: %s\nstart=2048, size=%d, type=7\nstart=%d, type=5\nstart=%d, type=7\n' "$signature" \
       $((half * mib)) $(((half + 1) * mib)) $(((half + 2) * mib)) | quiet sfdisk "$raw"
     ntfs_volume 2048 $((half * mib)) Windows "$volume"
     logical_sectors=$(sfdisk -d "$raw" | sed -n 's/.*raw5 : start= *[0-9]*, size= *\([0-9]*\).*/\1/p')

@@ -53,7 +53,11 @@ TEST(Machine, RefusesWhatIsNotAMachineDirectory) {
   TempDirectory dir;
   EXPECT_EQ(loadError(dir.path() + "/absent"), dir.path() + "/absent: no such directory");
   dir.write("file", "x");
-  EXPECT_EQ(loadError(dir.path() + "/file"), dir.path() + "/file: not a directory");
+  // A file is read as a disk image.
+  EXPECT_EQ(loadError(dir.path() + "/file"),
+            dir.path() +
+                "/file: holds neither a partition table nor a file system; it is not a disk "
+                "image or a volume");
   dir.makeDirectory("empty/drive_d");
   EXPECT_EQ(loadError(dir.path() + "/empty"),
             dir.path() +

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cstdio>
+#include <filesystem>
 #include <stdexcept>
 
 #include "tools/vrxhost/platform.h"
@@ -28,9 +29,13 @@ bool replaceFile(const std::string& from, const std::string& to) {
 
 void presentMachine(const Options& options) {
   const std::string dir = options.machine.empty() ? VRX_SAMPLE_MACHINE : options.machine;
-  if (!options.user.empty() && !winapi::isOfflineVolume(dir))
-    throw std::invalid_argument("--user picks a profile of an offline Windows volume; " + dir +
-                                " is none");
+  std::error_code error;
+  if (!options.user.empty() && !winapi::isOfflineVolume(dir) &&
+      !std::filesystem::is_regular_file(dir, error))
+    throw std::invalid_argument(
+        "--user picks a profile of an offline Windows volume or disk "
+        "image; " +
+        dir + " is neither");
   std::optional<std::int64_t> now;
   if (!options.now.empty() && !(now = winapi::parseZonedTime(options.now)))
     throw std::invalid_argument("--now " + options.now +

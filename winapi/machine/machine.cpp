@@ -8,6 +8,7 @@
 
 #include "winapi/files/folder_files.h"
 #include "winapi/machine/hive_file.h"
+#include "winapi/machine/image_machine.h"
 #include "winapi/machine/machine_file.h"
 #include "winapi/machine/machine_schema.h"
 #include "winapi/machine/offline_volume.h"
@@ -120,12 +121,15 @@ std::string upperDirectoryName(const std::string& directory) {
 }  // namespace
 
 std::shared_ptr<Machine> Machine::load(const std::string& dir, const MachineChoice& choice) {
+  std::error_code error;
+  if (fs::is_regular_file(dir, error)) return loadDiskImage(dir, choice);
+  if (choice.partition)
+    throw MachineError(dir + ": a partition is picked in a disk image, and this is none");
   if (!choice.user.empty()) {
     if (!isOfflineVolume(dir))
       throw MachineError(dir + ": a profile is picked on an offline volume");
     return loadOfflineVolumeAs(dir, choice.user, choice.now);
   }
-  std::error_code error;
   if (!fs::exists(dir, error)) throw MachineError(dir + ": no such directory");
   if (!fs::is_directory(dir, error)) throw MachineError(dir + ": not a directory");
   for (const MachineKind& kind : kKinds)
