@@ -54,8 +54,9 @@ TEST_F(BadInput, MalformedMachineFilesStopTheRunNamingFileAndPlace) {
   expectStopped("--machine " + badType.string(),
                 (badType / "machine.json").string() + ": member computerName");
 
+  // A file given as the machine is taken for a disk image.
   expectStopped("--machine " + (badReg / "registry/20-bad.reg").string(),
-                "20-bad.reg: not a directory");
+                "20-bad.reg: holds neither a partition table nor a file system");
 
   const fs::path winePrefix =
       copyMachine(fs::path(VRX_SOURCE_DIR) / "tests/winapi/wine_reg", "prefix");
