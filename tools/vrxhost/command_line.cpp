@@ -44,7 +44,9 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   app.add_option("--log", options.log, "write the log lines to FILE");
   app.add_option("--log-level", options.logLevel, "highest level written to the log (0-4)")
       ->check(CLI::Range(0, 4));
-  app.add_flag("-v", options.verbose, "one line per class on stderr: class, instances, ms");
+  app.add_flag("-v", options.verbose,
+               "one line per class on stderr: class, instances, ms; then, for a disk image, "
+               "the bytes read");
   app.add_option("CLASS", options.classes, "classes to collect, in order");
   app.add_option("--export-registry", options.exportRegistry,
                  "write the machine's registry from KEY down as a regedit file, no inventory")

@@ -24,6 +24,9 @@ bool replaceFile(const std::string& from, const std::string& to);
 void presentMachine(const Options& options);
 // What reading the machine found that the log should tell, a line each.
 std::vector<std::string> machineWarnings();
+// What reading the machine's files cost, for -v (the bytes read of a disk image); "" when there
+// is nothing to tell.
+std::string machineReadingNote();
 // Reads the key name of --export-registry and the machine; gives back what writes the machine's
 // registry from that key down as a regedit file, and throws std::runtime_error instead, before
 // writing anything, when the machine lacks the key. Throws std::invalid_argument for a key name

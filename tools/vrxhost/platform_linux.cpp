@@ -49,6 +49,8 @@ void presentMachine(const Options& options) {
 
 std::vector<std::string> machineWarnings() { return winapi::currentMachine().warnings(); }
 
+std::string machineReadingNote() { return winapi::currentMachine().files().readingNote(); }
+
 std::function<void(std::ostream&)> registryExport(const Options& options) {
   winapi::RegistryKeyName key = winapi::parseRegistryKeyName(options.exportRegistry);
   presentMachine(options);

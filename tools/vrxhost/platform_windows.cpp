@@ -33,6 +33,8 @@ void presentMachine(const Options& options) {
 
 std::vector<std::string> machineWarnings() { return {}; }
 
+std::string machineReadingNote() { return ""; }
+
 std::function<void(std::ostream&)> registryExport(const Options&) {
   throw std::invalid_argument(
       "--export-registry is for Linux, where it reads a machine directory; on Windows vrxhost "

@@ -137,6 +137,8 @@ int runOrThrow(const Options& options) {
   plugin->Init();
   collect(*query, manager, *ns, classes, options.verbose);
   plugin->DeInit();
+  if (const std::string note = machineReadingNote(); options.verbose && !note.empty())
+    std::cerr << note << '\n';
   writeOutput(options.output, [&](std::ostream& out) {
     exporter(out, ns->GetName(), ns->GetInstances(), machineTextToUtf8);
   });

@@ -37,6 +37,9 @@ class MachineFiles {
   virtual FileDescriptor open(const std::string& windowsPath) const = 0;
   // How messages name the file: its host path, or the image, partition and path.
   virtual std::string describe(const std::string& windowsPath) const = 0;
+  // What reading the files has cost where that is worth telling (the bytes read of a disk
+  // image); "" otherwise.
+  virtual std::string readingNote() const { return ""; }
 };
 
 }  // namespace winapi

@@ -114,6 +114,8 @@ std::string DiskImage::format() const { return image_->bytes().format(); }
 
 std::uint64_t DiskImage::bytesRead() const { return image_->bytesRead(); }
 
+std::uint64_t DiskImage::size() const { return image_->bytes().size(); }
+
 const Partition* DiskImage::partition(unsigned number) const {
   for (const Partition& partition : partitions_)
     if (partition.number == number) return &partition;

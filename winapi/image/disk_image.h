@@ -31,6 +31,8 @@ class DiskImage {
   const Partition* partition(unsigned number) const;
   // The bytes of the disk read so far, by everything reading this image.
   std::uint64_t bytesRead() const;
+  // The size of the disk in bytes.
+  std::uint64_t size() const;
 
   // The files of partition `number`. Throws MachineError naming the image and the partition when
   // there is no such partition, it is encrypted with BitLocker or its file system cannot be read.

@@ -1,6 +1,8 @@
 #include "winapi/image/image_files.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cstdio>
 
 #include "winapi/files/windows_path.h"
 #include "winapi/support/errors.h"
@@ -49,6 +51,15 @@ std::string ImageFiles::describe(const std::string& windowsPath) const {
   if (!on) return image_->path() + ": " + shown;
   return image_->path() + ", " + describePartition(*image_->partition(on->partition)) + ": " +
          shown;
+}
+
+std::string ImageFiles::readingNote() const {
+  char percent[32];
+  std::snprintf(percent, sizeof percent, "%.2f",
+                100.0 * static_cast<double>(image_->bytesRead()) /
+                    static_cast<double>(std::max<std::uint64_t>(image_->size(), 1)));
+  return "disk image: " + std::to_string(image_->bytesRead()) + " of " +
+         std::to_string(image_->size()) + " bytes read (" + percent + " %)";
 }
 
 std::unique_ptr<ImageFiles> systemPartitionFiles(std::shared_ptr<const DiskImage> image) {

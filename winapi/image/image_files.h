@@ -22,6 +22,8 @@ class ImageFiles : public MachineFiles {
   FileDescriptor open(const std::string& windowsPath) const override;
   // "IMAGE, partition N: C:\\path".
   std::string describe(const std::string& windowsPath) const override;
+  // "disk image: 12582912 of 68719476736 bytes read (0.02 %)".
+  std::string readingNote() const override;
 
   const DiskImage& image() const { return *image_; }
 
