@@ -64,8 +64,8 @@ std::optional<std::int64_t> clockAtRest(const Registry& registry, const HiveRead
   return millisecondsFromFileTime(hives.lastWritten);
 }
 
-// The boot store: on the Windows volume before Vista's split, else on the system partition (an
-// EFI system partition, or a "System Reserved" one).
+// Where a volume keeps its boot store, when it does: Boot\BCD (Windows' own volume, a "System
+// Reserved" partition), or EFI\Microsoft\Boot\BCD (an EFI system partition).
 std::optional<std::string> bootStore(const MachineFiles& system) {
   for (const char* store : {"C:\\Boot\\BCD", "C:\\EFI\\Microsoft\\Boot\\BCD"})
     if (system.find(store)) return store;
@@ -87,9 +87,11 @@ std::shared_ptr<Machine> loadVolume(const VolumeSource& source, const std::strin
                                                       : namedProfile(localMachine, windows, user);
   if (profile)
     hives.add(mountHiveFile(registry->root(Hive::CurrentUser), {windows, profile->hive}));
+  // The system partition's store, else the Windows volume's.
   const MachineFiles& system = source.system ? *source.system : windows;
-  if (auto store = bootStore(system))
-    hives.add(mountOptionalHive(localMachine, L"BCD00000000", {system, *store}));
+  const MachineFiles& boot = bootStore(system) ? system : windows;
+  if (auto store = bootStore(boot))
+    hives.add(mountOptionalHive(localMachine, L"BCD00000000", {boot, *store}));
   nlohmann::json facts = registryMachineFacts(*registry, now ? now : clockAtRest(*registry, hives));
   addSamUsers(*registry, facts);
   if (profile) addUser(*profile, facts);
