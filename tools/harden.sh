@@ -12,7 +12,9 @@ mkdir -p "$reports"
 
 cmake --preset linux-asan -B "$root/linux-asan"
 cmake --build "$root/linux-asan" -j "$jobs"
-ctest --test-dir "$root/linux-asan" -j "$jobs" --output-on-failure -LE wine | tee "$reports/sanitizers.txt"
+LSAN_OPTIONS=suppressions=$PWD/tools/lsan.supp \
+  ctest --test-dir "$root/linux-asan" -j "$jobs" --output-on-failure -LE wine |
+  tee "$reports/sanitizers.txt"
 
 cmake --preset linux -B "$root/linux" -DVRX_WINDOWS_BUILD_DIR="$PWD/$root/windows"
 cmake --build "$root/linux" -j "$jobs"
