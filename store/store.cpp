@@ -64,13 +64,23 @@ void Store::migrate() {
     }
     for (const std::string& statement : indexStatements(tables_, db.dialect()))
       db.execute(statement);
-    for (const std::string& statement : viewStatements(db.dialect())) db.execute(statement);
+    createViews();
     if (fresh || !added.empty())
       db.query(
           "INSERT INTO schema_version (version, applied_at, note) VALUES (?, ?, ?)",
           {std::to_string(schemaVersion(db) + 1), utcNow(), fresh ? "created" : "added " + added});
     return 0;
   });
+}
+
+void Store::createViews() {
+  Database& db = *database_;
+  for (const View& view : views(db.dialect())) {
+    const auto columns = view.table.empty() ? std::set<std::string>() : db.columnsOf(view.table);
+    bool complete = true;
+    for (const std::string& column : view.columns) complete = complete && columns.count(column);
+    if (complete) db.execute(view.statement);
+  }
 }
 
 Stored Store::add(const Snapshot& snapshot) {

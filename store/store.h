@@ -31,6 +31,7 @@ class Store {
 
  private:
   void migrate();
+  void createViews();
   void insertRows(const Snapshot& snapshot, const std::string& snapshotId);
 
   std::unique_ptr<Database> database_;

@@ -8,8 +8,16 @@
 
 namespace vrxstore {
 
+struct View {
+  std::string statement;
+  // The class table and its columns that the view reads: a store made from a schema without
+  // them has no such view until a newer schema adds them.
+  std::string table;
+  std::vector<std::string> columns;
+};
+
 // latest_snapshot: the newest snapshot of each machine.
 // application_now, fix_now: what the newest snapshot of each machine holds.
-std::vector<std::string> viewStatements(const Dialect& dialect);
+std::vector<View> views(const Dialect& dialect);
 
 }  // namespace vrxstore
