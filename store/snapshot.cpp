@@ -1,12 +1,12 @@
 #include "store/snapshot.h"
 
-#include <cstdio>
 #include <limits>
 #include <unordered_map>
 
 #include "host/cim_datetime.h"
 #include "host/status.h"
 #include "store/content_hash.h"
+#include "store/timestamp_text.h"
 
 namespace vrxstore {
 namespace {
@@ -57,7 +57,7 @@ Cell dateTimeCell(const json& value, ColumnKind kind) {
   if (kind == ColumnKind::Timestamp)
     return dateTime.IsInterval()
                ? Cell{}
-               : Cell{Cell::Kind::Text, 0, 0, isoTimestamp(dateTime.ToString()), {}};
+               : Cell{Cell::Kind::Text, 0, 0, utcTimestamp(dateTime.ToString()), {}};
   if (!dateTime.IsInterval()) return {};
   const std::int64_t seconds = std::int64_t(dateTime.GetDay()) * 86400 +
                                dateTime.GetHours() * 3600 + dateTime.GetMinutes() * 60 +
@@ -157,19 +157,6 @@ void readIdentity(const json& instance, const std::string& className, Snapshot& 
 }
 
 }  // namespace
-
-std::string isoTimestamp(const std::string& cimText) {
-  const TCIMDateTime time(cimText);
-  if (time.IsInterval() || time.IsNull()) return "";
-  const int offset = time.GetUtcOffset();
-  const int magnitude = offset < 0 ? -offset : offset;
-  char text[48];
-  std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02u.%06u%c%02d:%02d", time.GetYear(),
-                time.GetMonth(), time.GetDay(), time.GetHours(), time.GetMinutes(),
-                time.GetSeconds(), time.GetMicroseconds(), offset < 0 ? '-' : '+', magnitude / 60,
-                magnitude % 60);
-  return text;
-}
 
 Snapshot snapshotOf(const json& inventory, const std::vector<Table>& tables,
                     const std::string& sourceKind) {

@@ -41,7 +41,4 @@ struct InventoryError : std::runtime_error {
 Snapshot snapshotOf(const nlohmann::json& inventory, const std::vector<Table>& tables,
                     const std::string& sourceKind);
 
-// A date-time's CIM text as an ISO 8601 timestamp with its offset; empty for an interval.
-std::string isoTimestamp(const std::string& cimText);
-
 }  // namespace vrxstore

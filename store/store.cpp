@@ -1,20 +1,10 @@
 #include "store/store.h"
 
-#include <ctime>
-
+#include "store/timestamp_text.h"
 #include "store/views.h"
 
 namespace vrxstore {
 namespace {
-
-std::string utcNow() {
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  gmtime_r(&now, &parts);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S+00:00", &parts);
-  return text;
-}
 
 // Runs `work` in a transaction that writes, and rolls it back when `work` throws.
 template <typename Work>
@@ -87,7 +77,7 @@ Stored Store::add(const Snapshot& snapshot) {
   Database& db = *database_;
   const std::string loadedAt = utcNow();
   const std::string takenAt =
-      snapshot.takenAtCim.empty() ? loadedAt : isoTimestamp(snapshot.takenAtCim);
+      snapshot.takenAtCim.empty() ? loadedAt : utcTimestamp(snapshot.takenAtCim);
   return inTransaction(db, [&] {
     db.query(
         "INSERT INTO machine (machine_key, first_seen, last_seen) VALUES (?, ?, ?) "

@@ -51,7 +51,8 @@ std::string described(const std::vector<Change>& changes) {
 
 TEST_P(Questions, ChangesBetweenSnapshotsInTheOrderTheyWereTaken) {
   const json before = takenAt(sampleInventory(), "20261101090000.000000+060");
-  json after = takenAt(sampleInventory(), "20261108090000.000000+060");
+  // Half an hour later, after the clock left summer time: earlier on its face.
+  json after = takenAt(sampleInventory(), "20261101083000.000000+000");
   addApplication(after, "Added Application", "1.0");
   auto& changed = firstOf(after, "QELTO_InstalledApplication")["properties"];
   const std::string changedName = changed["ProductName"];
