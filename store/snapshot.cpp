@@ -198,6 +198,8 @@ Snapshot snapshotOf(const json& inventory, const std::vector<Table>& tables,
                            "): " + e.what());
     }
   }
+  if (!snapshot.takenAtCim.empty() && utcTimestamp(snapshot.takenAtCim).empty())
+    throw InventoryError("the time zone's LocalDateTime is an interval, not the machine's time");
   snapshot.contentHash = contentHash(instances.dump());
   return snapshot;
 }
