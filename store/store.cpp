@@ -36,8 +36,21 @@ Store::Store(std::unique_ptr<Database> database, NZARVEK20::TRepositoryNamespace
   migrate();
 }
 
+// True when a table or column of the schema is missing: only then does opening the store write,
+// so that readers never wait for a loader's transaction.
+bool Store::behindSchema() {
+  if (database_->columnsOf("snapshot").empty()) return true;
+  for (const Table& table : tables_) {
+    const auto existing = database_->columnsOf(table.name);
+    for (const Column& column : table.columns)
+      if (!existing.count(column.name)) return true;
+  }
+  return false;
+}
+
 void Store::migrate() {
   Database& db = *database_;
+  if (!behindSchema()) return;
   inTransaction(db, [&] {
     if (*db.dialect().schemaLock) db.execute(db.dialect().schemaLock);
     const bool fresh = db.columnsOf("snapshot").empty();

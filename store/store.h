@@ -20,7 +20,8 @@ struct Stored {
 class Store {
  public:
   // Creates the tables and views that are missing and adds the columns of properties the schema
-  // gained since the store was made, in one transaction. Throws DatabaseError.
+  // gained since the store was made, in one transaction; writes nothing when the store is up to
+  // date. Throws DatabaseError.
   Store(std::unique_ptr<Database> database, NZARVEK20::TRepositoryNamespace& schema);
 
   // Writes `snapshot` and its machine in one transaction; on any failure nothing of it stays.
@@ -30,6 +31,7 @@ class Store {
   Database& database() { return *database_; }
 
  private:
+  bool behindSchema();
   void migrate();
   void createViews();
   void insertRows(const Snapshot& snapshot, const std::string& snapshotId);
