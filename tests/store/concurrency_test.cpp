@@ -72,11 +72,12 @@ TEST_P(Concurrency, TwentyLoadersAtOnceLoseNoSnapshotAndHalfWriteNone) {
   EXPECT_EQ(one(*database, "SELECT count(DISTINCT machine_key) FROM machine"), "16");
   const std::string applications =
       std::to_string(countOf(sampleInventory(), "QELTO_InstalledApplication"));
-  EXPECT_EQ(one(*database,
-                "SELECT count(*) FROM snapshot s WHERE (SELECT count(*) FROM "
-                "qelto_installedapplication a WHERE a.snapshot_id = s.snapshot_id) <> CAST(? AS integer)",
-                {applications}),
-            "0");
+  EXPECT_EQ(
+      one(*database,
+          "SELECT count(*) FROM snapshot s WHERE (SELECT count(*) FROM "
+          "qelto_installedapplication a WHERE a.snapshot_id = s.snapshot_id) <> CAST(? AS integer)",
+          {applications}),
+      "0");
   EXPECT_EQ(one(*database, "SELECT max(version) FROM schema_version"), "1")
       << "the tables were made once";
 }
