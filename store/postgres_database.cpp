@@ -10,9 +10,12 @@ namespace {
 // The text of libpq's last error, on one line.
 std::string oneLine(std::string message) {
   while (!message.empty() && (message.back() == '\n' || message.back() == ' ')) message.pop_back();
-  for (char& c : message)
-    if (c == '\n') c = ' ';
-  return message;
+  std::string line;
+  for (char c : message) {
+    if (c == '\n' || c == '\t') c = ' ';
+    if (c != ' ' || line.empty() || line.back() != ' ') line += c;
+  }
+  return line;
 }
 
 class Result {

@@ -2,6 +2,8 @@
 // writes, and a busy timeout so that writers wait for each other instead of failing.
 #include <sqlite3.h>
 
+#include <cstring>
+
 #include "store/database.h"
 
 namespace vrxstore {
@@ -9,11 +11,21 @@ namespace {
 
 constexpr int kBusyTimeoutMs = 30000;
 
+// SQLite's text of the last error, with the system's when a file operation failed ("disk I/O
+// error (File too large)").
+std::string errorText(sqlite3* db) {
+  std::string text = sqlite3_errmsg(db);
+  if (const int code = sqlite3_system_errno(db);
+      code && (sqlite3_errcode(db) & 0xff) == SQLITE_IOERR)
+    text += std::string(" (") + std::strerror(code) + ")";
+  return text;
+}
+
 class Statement {
  public:
   Statement(sqlite3* db, const std::string& sql) : db_(db) {
     if (sqlite3_prepare_v2(db, sql.c_str(), int(sql.size()), &statement_, nullptr) != SQLITE_OK)
-      throw DatabaseError(sqlite3_errmsg(db));
+      throw DatabaseError(errorText(db));
   }
   ~Statement() { sqlite3_finalize(statement_); }
   Statement(const Statement&) = delete;
@@ -45,7 +57,7 @@ class Statement {
   bool step() {
     const int status = sqlite3_step(statement_);
     if (status == SQLITE_ROW) return true;
-    if (status != SQLITE_DONE) throw DatabaseError(sqlite3_errmsg(db_));
+    if (status != SQLITE_DONE) throw DatabaseError(errorText(db_));
     return false;
   }
   Row row() const {
@@ -85,7 +97,7 @@ class SqliteDatabase : public Database {
   void execute(const std::string& sql) override {
     char* error = nullptr;
     if (sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, &error) != SQLITE_OK) {
-      const std::string message = error ? error : sqlite3_errmsg(db_);
+      const std::string message = errorText(db_);
       sqlite3_free(error);
       throw DatabaseError(path_ + ": " + message);
     }
