@@ -1,5 +1,5 @@
-// Feeds arbitrary bytes to the reader of inventories that vrxstore loads: an InventoryError is
-// the only acceptable way for it to refuse them.
+// Feeds arbitrary bytes to the reader of inventories that vrxstore loads (JSON and CIM-XML): an
+// InventoryError is the only acceptable way for it to refuse them.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -23,7 +23,7 @@ const std::vector<vrxstore::Table>& tables() {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(reinterpret_cast<const char*>(data), size);
   try {
-    vrxstore::snapshotOfJson(text, tables(), "fuzz");
+    vrxstore::snapshotOfFile(text, tables());
   } catch (const vrxstore::InventoryError&) {
   }
   return 0;

@@ -1,5 +1,7 @@
 #include "store/inventory_file.h"
 
+#include "store/cim_xml_inventory.h"
+
 namespace vrxstore {
 
 Snapshot snapshotOfJson(const std::string& text, const std::vector<Table>& tables,
@@ -14,6 +16,14 @@ Snapshot snapshotOfJson(const std::string& text, const std::vector<Table>& table
     throw InventoryError(at == std::string::npos ? message : message.substr(at));
   }
   return snapshotOf(inventory, tables, sourceKind);
+}
+
+Snapshot snapshotOfFile(const std::string& text, const std::vector<Table>& tables) {
+  std::size_t start = text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
+  start = text.find_first_not_of(" \t\r\n", start);
+  if (start != std::string::npos && text[start] == '<')
+    return snapshotOf(inventoryOfCimXml(text), tables, "cim-xml");
+  return snapshotOfJson(text, tables, "json");
 }
 
 }  // namespace vrxstore

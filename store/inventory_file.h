@@ -15,4 +15,8 @@ namespace vrxstore {
 Snapshot snapshotOfJson(const std::string& text, const std::vector<Table>& tables,
                         const std::string& sourceKind);
 
+// The snapshot of an inventory file's `text`: CIM-XML when it starts with "<" (after any byte
+// order mark and blanks), JSON otherwise. The source kind is "cim-xml" or "json".
+Snapshot snapshotOfFile(const std::string& text, const std::vector<Table>& tables);
+
 }  // namespace vrxstore

@@ -95,6 +95,34 @@ TEST_P(Programs, MalformedFileIsRefusedAndTheOthersLoad) {
   EXPECT_EQ(unknown.status, 2);
 }
 
+TEST_P(Programs, CimXmlAndJsonOfOneRunAreOneSnapshot) {
+  const std::string machine = std::string(VRX_BUILT_MACHINES) + "/sample";
+  const std::string xml = (dir / "run.xml").string(), json = (dir / "run.json").string();
+  ASSERT_EQ(vrxhost("--machine " + machine + " --format xml --output " + xml).status, 0);
+  ASSERT_EQ(vrxhost("--machine " + machine + " --output " + json).status, 0);
+  // Every value read from CIM-XML as from JSON, or the content hashes would differ.
+  const Result load = vrxstore("load " + quotedTarget() + " " + xml + " " + json);
+  EXPECT_EQ(load.status, 0) << load.err;
+  EXPECT_EQ(load.out, xml + ": snapshot 1 of WKS-042\n" + json +
+                          ": already stored as snapshot 1 of WKS-042\n");
+
+  std::string text = readText(xml);
+  const auto at = text.find("<VALUE>true</VALUE>");
+  ASSERT_NE(at, std::string::npos);
+  const auto line = std::count(text.begin(), text.begin() + at, '\n') + 1;
+  text.replace(at, 19, "<VALUE>maybe</VALUE>");
+  writeText(dir / "bad.xml", text);
+  writeText(dir / "cut.xml", text.substr(0, text.size() / 3));
+  const Result bad = vrxstore("load " + quotedTarget() + " " + (dir / "bad.xml").string() + " " +
+                              (dir / "cut.xml").string());
+  EXPECT_EQ(bad.status, 1);
+  EXPECT_EQ(bad.err.substr(0, bad.err.find('\n')), "vrxstore: " + (dir / "bad.xml").string() +
+                                                       ": at line " + std::to_string(line) +
+                                                       ": \"maybe\" is not a boolean value");
+  EXPECT_NE(bad.err.find("cut.xml: at line "), std::string::npos) << bad.err;
+  EXPECT_EQ(one(*vrxstore::openDatabase(target), "SELECT count(*) FROM snapshot"), "1");
+}
+
 STORE_ENGINES(Programs);
 
 TEST(ProgramsWithoutServer, RefusedConnectionIsOneLine) {

@@ -29,7 +29,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   app.add_option("--schema", options.schema, "MOF file with the class definitions");
   app.require_subcommand(1);
 
-  CLI::App* load = app.add_subcommand("load", "load JSON inventories written by vrxhost");
+  CLI::App* load =
+      app.add_subcommand("load", "load inventories written by vrxhost (JSON or CIM-XML)");
   addTarget(*load, options);
   load->add_option("FILE", options.files, "inventory files; - for stdin")->required();
 

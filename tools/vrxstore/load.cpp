@@ -23,7 +23,7 @@ std::string contentOf(const std::string& file) {
 
 void loadFile(Store& store, const std::string& file) {
   const std::string name = file == "-" ? "stdin" : file;
-  const Snapshot snapshot = snapshotOfJson(contentOf(file), store.tables(), "json");
+  const Snapshot snapshot = snapshotOfFile(contentOf(file), store.tables());
   const Stored stored = store.add(snapshot);
   std::cout << name << ": " << (stored.added ? "snapshot " : "already stored as snapshot ")
             << stored.snapshotId << " of " << snapshot.machineKey << '\n';
