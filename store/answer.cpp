@@ -1,7 +1,6 @@
 #include "store/answer.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <ostream>
 
 namespace vrxstore {
@@ -32,14 +31,16 @@ void writeTable(std::ostream& out, const Answer& answer) {
   if (answer.rows.empty()) out << "(none)\n";
 }
 
-void writeJson(std::ostream& out, const Answer& answer) {
+nlohmann::json jsonOf(const Answer& answer) {
   nlohmann::json rows = nlohmann::json::array();
   for (const auto& row : answer.rows) {
     nlohmann::json object = nlohmann::json::object();
     for (std::size_t i = 0; i < row.size(); ++i) object[answer.columns[i]] = row[i];
     rows.push_back(object);
   }
-  out << rows.dump(2) << '\n';
+  return rows;
 }
+
+void writeJson(std::ostream& out, const Answer& answer) { out << jsonOf(answer).dump(2) << '\n'; }
 
 }  // namespace vrxstore

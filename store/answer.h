@@ -2,6 +2,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ struct Answer {
 // Columns aligned under their names, a rule between; "(none)" when there is no row.
 void writeTable(std::ostream& out, const Answer& answer);
 // An array of objects, one per row, members named by the columns.
+nlohmann::json jsonOf(const Answer& answer);
 void writeJson(std::ostream& out, const Answer& answer);
 
 }  // namespace vrxstore

@@ -45,6 +45,8 @@ bool Store::behindSchema() {
     for (const Column& column : table.columns)
       if (!existing.count(column.name)) return true;
   }
+  for (const View& view : views(database_->dialect()))
+    if (readsWhatIsThere(view) && database_->columnsOf(view.name).empty()) return true;
   return false;
 }
 
@@ -76,14 +78,17 @@ void Store::migrate() {
   });
 }
 
+bool Store::readsWhatIsThere(const View& view) {
+  if (view.table.empty()) return true;
+  const auto columns = database_->columnsOf(view.table);
+  for (const std::string& column : view.columns)
+    if (!columns.count(column)) return false;
+  return true;
+}
+
 void Store::createViews() {
-  Database& db = *database_;
-  for (const View& view : views(db.dialect())) {
-    const auto columns = view.table.empty() ? std::set<std::string>() : db.columnsOf(view.table);
-    bool complete = true;
-    for (const std::string& column : view.columns) complete = complete && columns.count(column);
-    if (complete) db.execute(view.statement);
-  }
+  for (const View& view : views(database_->dialect()))
+    if (readsWhatIsThere(view)) database_->execute(view.statement);
 }
 
 Stored Store::add(const Snapshot& snapshot) {

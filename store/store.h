@@ -9,6 +9,7 @@
 #include "store/database.h"
 #include "store/snapshot.h"
 #include "store/table_schema.h"
+#include "store/views.h"
 
 namespace vrxstore {
 
@@ -32,6 +33,8 @@ class Store {
 
  private:
   bool behindSchema();
+  // False for a view whose class table lacks a column it reads (a schema without that property).
+  bool readsWhatIsThere(const View& view);
   void migrate();
   void createViews();
   void insertRows(const Snapshot& snapshot, const std::string& snapshotId);

@@ -9,6 +9,7 @@
 namespace vrxstore {
 
 struct View {
+  std::string name;
   std::string statement;
   // The class table and its columns that the view reads: a store made from a schema without
   // them has no such view until a newer schema adds them.
@@ -16,8 +17,10 @@ struct View {
   std::vector<std::string> columns;
 };
 
-// latest_snapshot: the newest snapshot of each machine.
-// application_now, fix_now: what the newest snapshot of each machine holds.
+// latest_snapshot: the newest snapshot of each machine; snapshot_step: each snapshot with the one
+// taken before it (previous_id). application_now, fix_now: what the newest snapshot of each
+// machine holds. application_change, fix_change: what changed from each snapshot's previous one
+// to it (change, name, from_value, to_value).
 std::vector<View> views(const Dialect& dialect);
 
 }  // namespace vrxstore

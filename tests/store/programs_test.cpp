@@ -64,6 +64,13 @@ TEST_P(Programs, SecondRunWithOneApplicationMoreShowsInTheDiff) {
   ASSERT_EQ(rows.size(), 1u) << diff.out;
   EXPECT_EQ(rows[0], "application  added   Added Application        2.5.1") << diff.out;
 
+  const Result json = vrxstore("diff " + quotedTarget() + " WKS-042 1 2 --format json");
+  ASSERT_EQ(json.status, 0) << json.err;
+  EXPECT_EQ(nlohmann::json::parse(json.out),
+            nlohmann::json::parse(R"({"machine": "WKS-042", "from": "1", "to": "2", "changes": [
+              {"what": "application", "change": "added", "name": "Added Application",
+               "from": "", "to": "2.5.1"}]})"));
+
   // The file the second run wrote is the snapshot already stored.
   const Result load = vrxstore("load " + quotedTarget() + " " + (dir / "second.json").string());
   EXPECT_EQ(load.status, 0) << load.err;

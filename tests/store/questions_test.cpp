@@ -74,6 +74,27 @@ TEST_P(Questions, ChangesBetweenSnapshotsInTheOrderTheyWereTaken) {
                 changedName + ": " + oldVersion +
                 " -> 99.1\n"
                 "fix removed KB5034441: Security Update -> \n");
+  // The views say the same, from each snapshot's previous one.
+  Answer view{{}, {}};
+  for (const char* name : {"application_change", "fix_change"})
+    for (const Row& row : db.query(std::string("SELECT change, name, from_value, to_value, "
+                                               "from_snapshot FROM ") +
+                                       name + " WHERE machine_key = ? AND to_snapshot = ?",
+                                   {"WKS-042", later}))
+      view.rows.push_back({row[0].value_or(""), row[1].value_or(""), row[2].value_or(""),
+                           row[3].value_or(""), row[4].value_or("")});
+  std::sort(view.rows.begin(), view.rows.end());
+  ASSERT_EQ(view.rows.size(), 3u);
+  EXPECT_EQ(view.rows[0],
+            (std::vector<std::string>{"added", "Added Application", "", "1.0", earlier}));
+  EXPECT_EQ(view.rows[1],
+            (std::vector<std::string>{"changed", changedName, oldVersion, "99.1", earlier}));
+  EXPECT_EQ(view.rows[2],
+            (std::vector<std::string>{"removed", "KB5034441", "Security Update", "", earlier}));
+  EXPECT_EQ(one(db, "SELECT count(*) FROM application_change WHERE to_snapshot = ?", {earlier}),
+            "0")
+      << "the first snapshot has nothing to change from";
+
   // Backwards, the same changes the other way round.
   EXPECT_EQ(described(changesBetween(db, "WKS-042", {later, earlier})),
             "application changed " + changedName + ": 99.1 -> " + oldVersion +

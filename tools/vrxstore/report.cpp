@@ -23,10 +23,16 @@ void writeDiff(Database& database, const Options& options) {
   Answer answer{{"what", "change", "name", "from", "to"}, {}};
   for (const Change& change : changesBetween(database, options.machine, snapshots))
     answer.rows.push_back({change.subject, change.change, change.name, change.from, change.to});
-  if (options.format == "table")
-    std::cout << options.machine << ": snapshot " << snapshots.from << " to " << snapshots.to
-              << "\n";
-  writeAnswer(answer, options);
+  if (options.format == "json") {
+    const nlohmann::json diff = {{"machine", options.machine},
+                                 {"from", snapshots.from},
+                                 {"to", snapshots.to},
+                                 {"changes", jsonOf(answer)}};
+    std::cout << diff.dump(2) << '\n';
+    return;
+  }
+  std::cout << options.machine << ": snapshot " << snapshots.from << " to " << snapshots.to << "\n";
+  writeTable(std::cout, answer);
 }
 
 void writeQuery(Database& database, const Options& options) {
