@@ -35,12 +35,16 @@ class Database {
   virtual std::set<std::string> columnsOf(const std::string& table) = 0;
 };
 
-// Opens the engine that `target` names: "postgresql://…" or "postgres://…" (a libpq connection
-// URI), "sqlite:PATH", or a file path. Throws DatabaseError, or std::invalid_argument on a
-// platform built without that engine.
-std::unique_ptr<Database> openDatabase(const std::string& target);
+// Whether a SQLite file that is not there is made (to load into) or an error (to ask).
+enum class Missing { Create, Refuse };
 
-std::unique_ptr<Database> openSqlite(const std::string& path);
+// Opens the engine that `target` names: "postgresql://…" or "postgres://…" (a libpq connection
+// URI), "sqlite:PATH", or a file path. Throws DatabaseError, or std::invalid_argument for an
+// empty target.
+std::unique_ptr<Database> openDatabase(const std::string& target,
+                                       Missing missing = Missing::Create);
+
+std::unique_ptr<Database> openSqlite(const std::string& path, Missing missing);
 std::unique_ptr<Database> openPostgres(const std::string& uri);
 
 }  // namespace vrxstore

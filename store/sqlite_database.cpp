@@ -80,9 +80,9 @@ class Statement {
 
 class SqliteDatabase : public Database {
  public:
-  explicit SqliteDatabase(const std::string& path) : path_(path) {
-    if (sqlite3_open_v2(path.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) !=
-        SQLITE_OK) {
+  SqliteDatabase(const std::string& path, Missing missing) : path_(path) {
+    const int flags = SQLITE_OPEN_READWRITE | (missing == Missing::Create ? SQLITE_OPEN_CREATE : 0);
+    if (sqlite3_open_v2(path.c_str(), &db_, flags, nullptr) != SQLITE_OK) {
       const std::string message = db_ ? sqlite3_errmsg(db_) : "out of memory";
       sqlite3_close(db_);
       throw DatabaseError(path + ": " + message);
@@ -153,8 +153,8 @@ class SqliteDatabase : public Database {
 
 }  // namespace
 
-std::unique_ptr<Database> openSqlite(const std::string& path) {
-  return std::make_unique<SqliteDatabase>(path);
+std::unique_ptr<Database> openSqlite(const std::string& path, Missing missing) {
+  return std::make_unique<SqliteDatabase>(path, missing);
 }
 
 }  // namespace vrxstore

@@ -100,6 +100,13 @@ TEST_P(Programs, MalformedFileIsRefusedAndTheOthersLoad) {
 
   const Result unknown = vrxstore("query " + quotedTarget() + " nonsense");
   EXPECT_EQ(unknown.status, 2);
+
+  // Asking makes no store where there is none.
+  const Result missing = vrxstore("diff " + (dir / "typo.db").string() + " WKS-042");
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err,
+            "vrxstore: " + (dir / "typo.db").string() + ": unable to open database file\n");
+  EXPECT_FALSE(fs::exists(dir / "typo.db"));
 }
 
 TEST_P(Programs, CimXmlAndJsonOfOneRunAreOneSnapshot) {

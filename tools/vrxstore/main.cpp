@@ -19,7 +19,10 @@ std::string schemaPath(const Options& options) {
 int run(const Options& options) {
   auto schema = NZARVEK20::TRepositoryNamespace::Create("root/qelto");
   NZARVEK20::LoadMofFile(*schema, schemaPath(options));
-  Store store(openDatabase(options.target), *schema);
+  // Only loading makes a store; a question to a file that is not there is an error.
+  Store store(
+      openDatabase(options.target, options.command == "load" ? Missing::Create : Missing::Refuse),
+      *schema);
   if (options.command == "load") return loadFiles(store, options);
   if (options.command == "diff")
     writeDiff(store.database(), options);
