@@ -20,12 +20,13 @@ enum class ColumnKind {
   IntegerArray,
   BooleanArray,
   Key,  // the store's own row number
+  Count
 };
 
 struct Dialect {
   const char* name;
   // Type names by ColumnKind, in the enumeration's order.
-  const char* types[12];
+  const char* types[static_cast<int>(ColumnKind::Count)];
   // The snapshot's own number and the constraint that makes it the key.
   const char* snapshotIdColumn;
   const char* snapshotKey;

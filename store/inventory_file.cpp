@@ -9,11 +9,15 @@ Snapshot snapshotOfJson(const std::string& text, const std::vector<Table>& table
   nlohmann::json inventory;
   try {
     inventory = nlohmann::json::parse(text);
-  } catch (const nlohmann::json::parse_error& e) {
-    // nlohmann's text starts with its own tag, then says where: "… parse error at line 3, …".
+  } catch (const nlohmann::json::exception& e) {
+    // nlohmann's text starts with its own tag, then says where ("… parse error at line 3, …")
+    // or, for a number out of range, what.
     const std::string message = e.what();
     const auto at = message.find("at line");
-    throw InventoryError(at == std::string::npos ? message : message.substr(at));
+    const auto tagEnd = message.find("] ");
+    throw InventoryError(at != std::string::npos       ? message.substr(at)
+                         : tagEnd != std::string::npos ? message.substr(tagEnd + 2)
+                                                       : message);
   }
   return snapshotOf(inventory, tables, sourceKind);
 }

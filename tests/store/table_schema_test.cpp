@@ -44,6 +44,10 @@ TEST(TableSchema, OneTablePerConcreteClassWithTypedColumns) {
   const Table& association = tableOf(tables, "qelto_accountonsystem");
   EXPECT_EQ(find(association, "partcomponent_position")->source, ColumnSource::Target);
 
+  for (const Dialect* dialect : {&sqliteDialect(), &postgresDialect()})
+    for (int kind = 0; kind < static_cast<int>(ColumnKind::Count); ++kind)
+      EXPECT_NE(dialect->types[kind], nullptr) << dialect->name << " has no type for kind " << kind;
+
   const auto postgres = createStatements(tables, postgresDialect());
   const auto sqlite = createStatements(tables, sqliteDialect());
   ASSERT_EQ(postgres.size(), sqlite.size());
