@@ -47,6 +47,15 @@ Answer withoutFix(Database& database, const std::vector<std::string>& arguments)
               {arguments[0]}))};
 }
 
+Answer neverLoggedOn(Database& database, const std::vector<std::string>&) {
+  return {{"machine", "account", "domain"},
+          textRows(database.query(
+              "SELECT a.machine_key, a.name, a.domain FROM qelto_account a JOIN latest_snapshot l "
+              "ON l.machine_key = a.machine_key AND l.snapshot_id = a.snapshot_id WHERE "
+              "a.lastlogon_cim IS NULL ORDER BY 1, 2",
+              {}))};
+}
+
 // Versions are compared here, not in SQL: neither engine compares them part by part.
 Answer below(Database& database, const std::vector<std::string>& arguments) {
   Answer answer{{"machine", "product", "version"}, {}};
@@ -63,6 +72,7 @@ const Question kQuestions[] = {
     {"applications", "[MACHINE]", 0, 1, applications},
     {"without-fix", "FIX", 1, 1, withoutFix},
     {"below", "PRODUCT VERSION", 2, 2, below},
+    {"never-logged-on", "", 0, 0, neverLoggedOn},
 };
 
 }  // namespace

@@ -14,6 +14,7 @@ namespace vrxstore {
 //   applications [MACHINE]        installed applications now, by machine
 //   without-fix FIX               machines whose newest snapshot lacks the fix (KB number)
 //   below PRODUCT VERSION         machines with PRODUCT (an SQL LIKE pattern) below VERSION
+//   never-logged-on               accounts that never logged on, in each newest snapshot
 // Throws std::invalid_argument for an unknown name or the wrong number of arguments.
 Answer ask(Database& database, const std::string& name, const std::vector<std::string>& arguments);
 

@@ -113,6 +113,9 @@ TEST_P(Questions, NamedQuestionsAnswerFromEachMachinesNewestSnapshot) {
   json new042 = takenAt(sampleInventory(), "20261108090000.000000+060");
   addApplication(new042, "Fleet Tool", "9.12");
   json wks043 = renamed(sampleInventory(), "WKS-043");
+  const std::string account = firstOf(wks043, "QELTO_Account")["properties"]["Name"];
+  firstOf(wks043, "QELTO_Account")["properties"].erase("LastLogon");
+  firstOf(old042, "QELTO_Account")["properties"].erase("LastLogon");
   removeWhere(wks043, "QELTO_InstalledFix", "ProductVersion", "KB5034441");
   addApplication(wks043, "Fleet Tool", "10.0.4000");
   load(old042);
@@ -132,6 +135,20 @@ TEST_P(Questions, NamedQuestionsAnswerFromEachMachinesNewestSnapshot) {
   const Answer below = ask(db, "below", {"Fleet Tool", "10.0"});
   ASSERT_EQ(below.rows.size(), 1u) << "9.12 < 10.0 <= 10.0.4000";
   EXPECT_EQ(below.rows[0][0] + " " + below.rows[0][2], "WKS-042 9.12");
+
+  // From the newest snapshots only: WKS-042's account has logged on since.
+  std::vector<std::string> expected;
+  for (const json* inventory : {&new042, &wks043})
+    for (const auto& instance : (*inventory)["instances"])
+      if (instance["class"] == "QELTO_Account" && !instance["properties"].contains("LastLogon"))
+        expected.push_back((inventory == &new042 ? "WKS-042 " : "WKS-043 ") +
+                           instance["properties"]["Name"].get<std::string>());
+  std::vector<std::string> never;
+  for (const auto& row : ask(db, "never-logged-on", {}).rows)
+    never.push_back(row[0] + " " + row[1]);
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(never, expected);
+  EXPECT_NE(std::find(never.begin(), never.end(), "WKS-043 " + account), never.end());
 
   const Answer apps = ask(db, "applications", {"WKS-043"});
   EXPECT_EQ(apps.rows.size(), countOf(wks043, "QELTO_InstalledApplication"));
