@@ -48,6 +48,28 @@ TEST_P(SnapshotStore, EveryInstanceOnceTypedAndExact) {
   EXPECT_EQ(one(db, "SELECT uptime_seconds FROM qelto_operatingsystem"),
             std::to_string(days * 86400 + std::stoi(upTime.substr(8, 2)) * 3600 +
                            std::stoi(upTime.substr(10, 2)) * 60 + std::stoi(upTime.substr(12, 2))));
+  // Arrays as the engine keeps them: JSON text in SQLite, an array in PostgreSQL.
+  std::size_t position = 0, enabled = 0;
+  std::string host;
+  for (std::size_t i = 0; i < inventory["instances"].size(); ++i) {
+    const json& instance = inventory["instances"][i];
+    if (instance["class"] != "QELTO_Account") continue;
+    if (!position) {
+      position = i + 1;
+      host = instance["properties"]["Host"][0];
+    }
+    enabled += instance["properties"].value("AccountEnabled", false);
+  }
+  const std::string where = " FROM qelto_account WHERE position = " + std::to_string(position);
+  const bool sqlite = GetParam() == "sqlite";
+  EXPECT_EQ(one(db, "SELECT host" + where), sqlite ? "[\"" + host + "\"]" : "{" + host + "}");
+  if (!sqlite) {
+    EXPECT_EQ(one(db, "SELECT host[1]" + where), host);
+  }
+  EXPECT_EQ(one(db, "SELECT count(*) FROM qelto_account WHERE accountenabled = ?",
+                {sqlite ? "1" : "true"}),
+            std::to_string(enabled));
+
   // A reference leads to the row of the instance it names.
   EXPECT_EQ(one(db,
                 "SELECT count(*) FROM qelto_osenvironmentvariable r JOIN qelto_operatingsystem o "
