@@ -66,6 +66,14 @@ std::vector<View> views(const Dialect& dialect) {
        changeView("qelto_installedfix", "productversion", "productname"),
        "qelto_installedfix",
        {"productversion", "productname"}},
+      {"system_variable_change",
+       changeView("qelto_systemenvironmentvariable", "settingid", "settingvalue"),
+       "qelto_systemenvironmentvariable",
+       {"settingid", "settingvalue"}},
+      {"user_variable_change",
+       changeView("qelto_userenvironmentvariable", "settingid", "settingvalue"),
+       "qelto_userenvironmentvariable",
+       {"settingid", "settingvalue"}},
   };
   for (View& view : made) view.statement = create + view.name + " AS " + view.statement;
   return made;

@@ -19,7 +19,8 @@ struct View {
 
 // latest_snapshot: the newest snapshot of each machine; snapshot_step: each snapshot with the one
 // taken before it (previous_id). application_now, fix_now: what the newest snapshot of each
-// machine holds. application_change, fix_change: what changed from each snapshot's previous one
+// machine holds. application_change, fix_change, system_variable_change, user_variable_change:
+// what changed from each snapshot's previous one
 // to it (change, name, from_value, to_value).
 std::vector<View> views(const Dialect& dialect);
 

@@ -59,6 +59,15 @@ TEST_P(Questions, ChangesBetweenSnapshotsInTheOrderTheyWereTaken) {
   const std::string oldVersion = changed["ProductVersion"];
   changed["ProductVersion"] = "99.1";
   removeWhere(after, "QELTO_InstalledFix", "ProductVersion", "KB5034441");
+  for (auto& instance : after["instances"])
+    if (instance["class"] == "QELTO_SystemEnvironmentVariable" &&
+        instance["properties"]["SettingID"] == "ComSpec")
+      instance["properties"]["SettingValue"] = "C:\\Shell\\cmd.exe";
+  std::string comSpec;
+  for (const auto& instance : before["instances"])
+    if (instance["class"] == "QELTO_SystemEnvironmentVariable" &&
+        instance["properties"]["SettingID"] == "ComSpec")
+      comSpec = instance["properties"]["SettingValue"];
 
   // The later one loaded first: the order is the machine's time, not the loading's.
   const std::string later = load(after);
@@ -73,10 +82,12 @@ TEST_P(Questions, ChangesBetweenSnapshotsInTheOrderTheyWereTaken) {
             "application changed " +
                 changedName + ": " + oldVersion +
                 " -> 99.1\n"
-                "fix removed KB5034441: Security Update -> \n");
+                "fix removed KB5034441: Security Update -> \n"
+                "system variable changed ComSpec: " +
+                comSpec + " -> C:\\Shell\\cmd.exe\n");
   // The views say the same, from each snapshot's previous one.
   Answer view{{}, {}};
-  for (const char* name : {"application_change", "fix_change"})
+  for (const char* name : {"application_change", "fix_change", "system_variable_change"})
     for (const Row& row : db.query(std::string("SELECT change, name, from_value, to_value, "
                                                "from_snapshot FROM ") +
                                        name + " WHERE machine_key = ? AND to_snapshot = ?",
@@ -84,12 +95,14 @@ TEST_P(Questions, ChangesBetweenSnapshotsInTheOrderTheyWereTaken) {
       view.rows.push_back({row[0].value_or(""), row[1].value_or(""), row[2].value_or(""),
                            row[3].value_or(""), row[4].value_or("")});
   std::sort(view.rows.begin(), view.rows.end());
-  ASSERT_EQ(view.rows.size(), 3u);
+  ASSERT_EQ(view.rows.size(), 4u);
   EXPECT_EQ(view.rows[0],
             (std::vector<std::string>{"added", "Added Application", "", "1.0", earlier}));
   EXPECT_EQ(view.rows[1],
             (std::vector<std::string>{"changed", changedName, oldVersion, "99.1", earlier}));
-  EXPECT_EQ(view.rows[2],
+  EXPECT_EQ(view.rows[2], (std::vector<std::string>{"changed", "ComSpec", comSpec,
+                                                    "C:\\Shell\\cmd.exe", earlier}));
+  EXPECT_EQ(view.rows[3],
             (std::vector<std::string>{"removed", "KB5034441", "Security Update", "", earlier}));
   EXPECT_EQ(one(db, "SELECT count(*) FROM application_change WHERE to_snapshot = ?", {earlier}),
             "0")
@@ -100,7 +113,9 @@ TEST_P(Questions, ChangesBetweenSnapshotsInTheOrderTheyWereTaken) {
             "application changed " + changedName + ": 99.1 -> " + oldVersion +
                 "\n"
                 "application removed Added Application: 1.0 -> \n"
-                "fix added KB5034441:  -> Security Update\n");
+                "fix added KB5034441:  -> Security Update\n"
+                "system variable changed ComSpec: C:\\Shell\\cmd.exe -> " +
+                comSpec + "\n");
 
   EXPECT_THROW(snapshotsToCompare(db, "WKS-042", std::nullopt, earlier), std::runtime_error);
   EXPECT_THROW(snapshotsToCompare(db, "NO-SUCH", std::nullopt, std::nullopt), std::runtime_error);
