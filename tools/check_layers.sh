@@ -17,7 +17,9 @@ declare -A allowed=(
   [accounts]="frame host"
   [components]="frame host"
   [plugin]="frame host $collectors"
-  [tools/vrxhost]="host vrxcore kelmon"
+  [store]="host vrxcore"
+  [tools/vrxhost]="host vrxcore kelmon store"
+  [tools/vrxstore]="host vrxcore store"
 )
 # The platform seam: the files that alone may reach the Linux Win32 layer.
 seam() {
@@ -32,6 +34,7 @@ seam() {
 target_of() {
   case "$1" in
     tools/vrxhost/*) echo tools/vrxhost ;;
+    tools/vrxstore/*) echo tools/vrxstore ;;
     */*)
       local top=${1%%/*}
       [[ -v allowed[$top] || $top == winapi ]] && echo "$top"

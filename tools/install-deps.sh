@@ -5,7 +5,8 @@ packages=(cmake ninja-build g++ clang libboost-dev nlohmann-json3-dev libcli11-d
           libgtest-dev libgmock-dev libbenchmark-dev mingw-w64 wine64 libxml2-utils
           libhivex-dev libhivex-bin libwin-hivex-perl msitools wixl valgrind time jq ccache
           libjemalloc-dev clang-format libtsk-dev libvhdi-dev libvmdk-dev libqcow-dev
-          libewf-dev ntfs-3g-dev ntfs-3g gdisk fdisk mtools dosfstools qemu-utils ewf-tools)
+          libewf-dev ntfs-3g-dev ntfs-3g gdisk fdisk mtools dosfstools qemu-utils ewf-tools
+          libsqlite3-dev sqlite3 libpq-dev postgresql libxml2-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")

@@ -41,6 +41,10 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   app.add_option("--format", options.format, "output format")
       ->check(CLI::IsMember({"json", "xml", "mof", "table"}));
   app.add_option("--output", options.output, "write the inventory to FILE instead of stdout");
+  app.add_option("--store", options.store,
+                 "write the inventory as one snapshot to a store: a SQLite file (PATH or "
+                 "sqlite:PATH) or postgresql://…; prints nothing unless --output is given")
+      ->type_name("TARGET");
   app.add_option("--log", options.log, "write the log lines to FILE");
   app.add_option("--log-level", options.logLevel, "highest level written to the log (0-4)")
       ->check(CLI::Range(0, 4));
@@ -52,7 +56,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
                  "write the machine's registry from KEY down as a regedit file, no inventory")
       ->type_name("KEY")
       ->check([](const std::string& key) { return key.empty() ? "KEY is empty" : ""; })
-      ->excludes("--format", "CLASS");
+      ->excludes("--format", "CLASS", "--store");
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& help) {

@@ -16,6 +16,8 @@ struct Options {
   std::string plugin;
   std::string format = "json";
   std::string output;
+  // Where the inventory goes as one snapshot: a SQLite file or a PostgreSQL URI; empty for none.
+  std::string store;
   std::string log;
   int logLevel = 4;
   bool verbose = false;

@@ -3,12 +3,14 @@
 #include <chrono>
 #include <iostream>
 #include <map>
+#include <sstream>
 #include <stdexcept>
 
 #include "host/os_specific.h"
 #include "host/plugin.h"
 #include "host/root_object.h"
 #include "kelmon/library_loader.h"
+#include "tools/vrxhost/inventory_store.h"
 #include "tools/vrxhost/output.h"
 #include "tools/vrxhost/platform.h"
 #include "vrxcore/core_logger.h"
@@ -115,6 +117,24 @@ TExporter exporterFor(const Options& options) {
   return exporter;
 }
 
+// What writes the inventory to the store of --store; nothing when there is none.
+std::function<void(const std::string&)> openStore(const Options& options,
+                                                  TRepositoryNamespace& ns) {
+  if (options.store.empty()) return nullptr;
+  try {
+    return openInventoryStore(options.store, ns);
+  } catch (const std::invalid_argument& e) {
+    throw RunError(kExitUsage, e.what());
+  }
+}
+
+void storeInventory(const std::function<void(const std::string&)>& store,
+                    TRepositoryNamespace& ns) {
+  std::ostringstream json;
+  FindExporter("json")(json, ns.GetName(), ns.GetInstances(), machineTextToUtf8);
+  store(json.str());
+}
+
 int runOrThrow(const Options& options) {
   const TExporter exporter = exporterFor(options);
   try {
@@ -124,6 +144,7 @@ int runOrThrow(const Options& options) {
   }
   auto ns = loadSchema(options);
   const auto classes = resolveClasses(*ns, options);
+  const auto store = openStore(options, *ns);
   startLog(options);
 
   auto manager =
@@ -139,9 +160,11 @@ int runOrThrow(const Options& options) {
   plugin->DeInit();
   if (const std::string note = machineReadingNote(); options.verbose && !note.empty())
     std::cerr << note << '\n';
-  writeOutput(options.output, [&](std::ostream& out) {
-    exporter(out, ns->GetName(), ns->GetInstances(), machineTextToUtf8);
-  });
+  if (store) storeInventory(store, *ns);
+  if (!store || !options.output.empty())
+    writeOutput(options.output, [&](std::ostream& out) {
+      exporter(out, ns->GetName(), ns->GetInstances(), machineTextToUtf8);
+    });
   manager->DestroyPlugins();
   return kExitOk;
 }
