@@ -5,36 +5,18 @@
 #include <set>
 #include <stdexcept>
 
+#include "store/change_subjects.h"
+
 namespace vrxstore {
 namespace {
 
-// What is compared: the rows of a table, told apart by one column, their value made of others.
-struct Subject {
-  const char* name;
-  const char* table;
-  const char* key;
-  const char* value;  // an SQL expression of the row's columns
-};
-
-const Subject kSubjects[] = {
-    {"application", "qelto_installedapplication", "productname", "productversion"},
-    {"fix", "qelto_installedfix", "productversion", "productname"},
-    {"account", "qelto_account", "name",
-     "coalesce(domain, '') || ' enabled=' || coalesce(CAST(accountenabled AS text), '') || ' "
-     "expired=' || "
-     "coalesce(CAST(passwordexpired AS text), '') || ' last logon ' || coalesce(lastlogon_cim, "
-     "'')"},
-    {"system variable", "qelto_systemenvironmentvariable", "settingid", "settingvalue"},
-    {"user variable", "qelto_userenvironmentvariable", "settingid", "settingvalue"},
-};
-
 using Values = std::map<std::string, std::set<std::string>>;
 
-Values valuesOf(Database& database, const Subject& subject, const std::string& machine,
+Values valuesOf(Database& database, const ChangeSubject& subject, const std::string& machine,
                 const std::string& snapshot) {
   Values values;
-  const std::string sql = std::string("SELECT ") + subject.key + ", " + subject.value + " FROM " +
-                          subject.table + " WHERE machine_key = ? AND snapshot_id = ?";
+  const std::string sql = std::string("SELECT ") + subject.key + ", " + valueOf(subject, "") +
+                          " FROM " + subject.table + " WHERE machine_key = ? AND snapshot_id = ?";
   for (const Row& row : database.query(sql, {machine, snapshot}))
     values[row[0].value_or("")].insert(row[1].value_or(""));
   return values;
@@ -46,7 +28,7 @@ std::string joined(const std::set<std::string>& values) {
   return text;
 }
 
-void compare(const Subject& subject, const Values& before, const Values& after,
+void compare(const ChangeSubject& subject, const Values& before, const Values& after,
              std::vector<Change>& changes) {
   std::set<std::string> names;
   for (const auto& entry : before) names.insert(entry.first);
@@ -94,7 +76,7 @@ SnapshotPair snapshotsToCompare(Database& database, const std::string& machine,
 std::vector<Change> changesBetween(Database& database, const std::string& machine,
                                    const SnapshotPair& snapshots) {
   std::vector<Change> changes;
-  for (const Subject& subject : kSubjects)
+  for (const ChangeSubject& subject : changeSubjects())
     compare(subject, valuesOf(database, subject, machine, snapshots.from),
             valuesOf(database, subject, machine, snapshots.to), changes);
   return changes;

@@ -1,30 +1,44 @@
 #include "store/views.h"
 
+#include <algorithm>
+
+#include "store/change_subjects.h"
+
 namespace vrxstore {
 namespace {
 
-// What differs between each snapshot and the one before it in `table`, its rows told apart by
-// `key` and compared by `value`: added, removed, changed.
-std::string changeView(const std::string& table, const std::string& key, const std::string& value) {
-  const std::string same = "machine_key = s.machine_key AND ";
+// What differs between each snapshot and the one before it in the subject's table: rows added,
+// removed, and changed (a row of the same key whose value is no value the other snapshot has).
+std::string changeView(const ChangeSubject& subject) {
+  const std::string& table = subject.table;
+  const std::string& key = subject.key;
+  auto value = [&](const char* alias) { return valueOf(subject, alias); };
+  auto row = [&](const char* alias, const char* snapshot) {
+    return std::string(table) + " " + alias + " ON " + alias + ".machine_key = s.machine_key AND " +
+           alias + ".snapshot_id = s." + snapshot;
+  };
+  auto without = [&](const char* alias, const char* snapshot, const std::string& match) {
+    return std::string("NOT EXISTS (SELECT 1 FROM ") + table + " " + alias + " WHERE " + alias +
+           ".machine_key = s.machine_key AND " + alias + ".snapshot_id = s." + snapshot + " AND " +
+           match + ")";
+  };
   const std::string head =
       "SELECT s.machine_key, s.previous_id AS from_snapshot, s.snapshot_id AS to_snapshot, ";
-  const std::string steps = " FROM snapshot_step s JOIN " + table + " ";
-  return head + "'added' AS change, a." + key + " AS name, CAST(NULL AS text) AS from_value, a." +
-         value + " AS to_value" + steps + "a ON a." + same +
-         "a.snapshot_id = s.snapshot_id WHERE " +
-         "s.previous_id IS NOT NULL AND NOT EXISTS (SELECT 1 FROM " + table + " b WHERE b." + same +
-         "b.snapshot_id = s.previous_id AND b." + key + " = a." + key + ") UNION ALL " + head +
-         "'removed', b." + key + ", b." + value + ", CAST(NULL AS text)" + steps + "b ON b." +
-         same + "b.snapshot_id = s.previous_id WHERE NOT EXISTS (SELECT 1 FROM " + table +
-         " a WHERE a." + same + "a.snapshot_id = s.snapshot_id AND a." + key + " = b." + key +
-         ") UNION ALL " + head + "'changed', a." + key + ", b." + value + ", a." + value + steps +
-         "a ON a." + same + "a.snapshot_id = s.snapshot_id JOIN " + table + " b ON b." + same +
-         "b.snapshot_id = s.previous_id AND b." + key + " = a." + key + " WHERE NOT EXISTS " +
-         "(SELECT 1 FROM " + table + " x WHERE x." + same + "x.snapshot_id = s.previous_id AND x." +
-         key + " = a." + key + " AND x." + value + " = a." + value + ") AND NOT EXISTS (SELECT 1 " +
-         "FROM " + table + " y WHERE y." + same + "y.snapshot_id = s.snapshot_id AND y." + key +
-         " = b." + key + " AND y." + value + " = b." + value + ")";
+  return head + "'added' AS change, a." + key + " AS name, CAST(NULL AS text) AS from_value, " +
+         value("a") + " AS to_value FROM snapshot_step s JOIN " + row("a", "snapshot_id") +
+         " WHERE s.previous_id IS NOT NULL AND " +
+         without("b", "previous_id", "b." + key + " = a." + key) + " UNION ALL " + head +
+         "'removed', b." + key + ", " + value("b") +
+         ", CAST(NULL AS text) FROM snapshot_step s JOIN " + row("b", "previous_id") + " WHERE " +
+         without("a", "snapshot_id", "a." + key + " = b." + key) + " UNION ALL " + head +
+         "'changed', a." + key + ", " + value("b") + ", " + value("a") +
+         " FROM snapshot_step s JOIN " + row("a", "snapshot_id") + " JOIN " +
+         row("b", "previous_id") + " AND b." + key + " = a." + key + " WHERE " +
+         without("x", "previous_id",
+                 "x." + key + " = a." + key + " AND " + value("x") + " = " + value("a")) +
+         " AND " +
+         without("y", "snapshot_id",
+                 "y." + key + " = b." + key + " AND " + value("y") + " = " + value("b"));
 }
 
 }  // namespace
@@ -58,23 +72,12 @@ std::vector<View> views(const Dialect& dialect) {
        "l.machine_key = f.machine_key AND l.snapshot_id = f.snapshot_id",
        "qelto_installedfix",
        {"productversion", "productname", "installedby", "productinstalldate"}},
-      {"application_change",
-       changeView("qelto_installedapplication", "productname", "productversion"),
-       "qelto_installedapplication",
-       {"productname", "productversion"}},
-      {"fix_change",
-       changeView("qelto_installedfix", "productversion", "productname"),
-       "qelto_installedfix",
-       {"productversion", "productname"}},
-      {"system_variable_change",
-       changeView("qelto_systemenvironmentvariable", "settingid", "settingvalue"),
-       "qelto_systemenvironmentvariable",
-       {"settingid", "settingvalue"}},
-      {"user_variable_change",
-       changeView("qelto_userenvironmentvariable", "settingid", "settingvalue"),
-       "qelto_userenvironmentvariable",
-       {"settingid", "settingvalue"}},
   };
+  for (const ChangeSubject& subject : changeSubjects()) {
+    std::string name = subject.name;
+    std::replace(name.begin(), name.end(), ' ', '_');
+    made.push_back({name + "_change", changeView(subject), subject.table, subject.columns});
+  }
   for (View& view : made) view.statement = create + view.name + " AS " + view.statement;
   return made;
 }

@@ -19,9 +19,9 @@ struct View {
 
 // latest_snapshot: the newest snapshot of each machine; snapshot_step: each snapshot with the one
 // taken before it (previous_id). application_now, fix_now: what the newest snapshot of each
-// machine holds. application_change, fix_change, system_variable_change, user_variable_change:
-// what changed from each snapshot's previous one
-// to it (change, name, from_value, to_value).
+// machine holds. application_change, fix_change, account_change, system_variable_change,
+// user_variable_change: what changed from each snapshot's previous one to it (change, name,
+// from_value, to_value), as `vrxstore diff` tells it (see change_subjects.h).
 std::vector<View> views(const Dialect& dialect);
 
 }  // namespace vrxstore

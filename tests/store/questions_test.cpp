@@ -121,6 +121,31 @@ TEST_P(Questions, ChangesBetweenSnapshotsInTheOrderTheyWereTaken) {
   EXPECT_THROW(snapshotsToCompare(db, "NO-SUCH", std::nullopt, std::nullopt), std::runtime_error);
 }
 
+TEST_P(Questions, AnAccountChangeIsTheSameInTheDiffAndInItsView) {
+  const json before = takenAt(sampleInventory(), "20261101090000.000000+060");
+  json after = takenAt(sampleInventory(), "20261102090000.000000+060");
+  auto& account = firstOf(after, "QELTO_Account")["properties"];
+  const std::string name = account["Name"];
+  account["AccountEnabled"] = !account.value("AccountEnabled", true);
+  const std::string earlier = load(before);
+  const std::string later = load(after);
+  Database& db = store->database();
+  const std::vector<Change> changes = changesBetween(db, "WKS-042", {earlier, later});
+  ASSERT_EQ(changes.size(), 1u) << described(changes);
+  EXPECT_EQ(changes[0].subject, "account");
+  EXPECT_EQ(changes[0].change, "changed");
+  EXPECT_EQ(changes[0].name, name);
+  EXPECT_NE(changes[0].from, changes[0].to);
+  const std::vector<Row> rows = db.query(
+      "SELECT change, name, from_value, to_value FROM account_change WHERE to_snapshot = ?",
+      {later});
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0][0], "changed");
+  EXPECT_EQ(rows[0][1], name);
+  EXPECT_EQ(rows[0][2], changes[0].from);
+  EXPECT_EQ(rows[0][3], changes[0].to);
+}
+
 TEST_P(Questions, NamedQuestionsAnswerFromEachMachinesNewestSnapshot) {
   json old042 = takenAt(sampleInventory(), "20261101090000.000000+060");
   removeWhere(old042, "QELTO_InstalledFix", "ProductVersion", "KB5034441");
