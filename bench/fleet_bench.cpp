@@ -1,6 +1,6 @@
 // The fleet benchmark: loads COUNT varied inventories made from one template inventory (each
-// machine its own name, time, applications, versions and fixes) into a store, then times the
-// questions. Prints one line per measurement: what, then the time.
+// machine its own name, time, applications, versions, fixes and accounts) into a store, then
+// times the questions. Prints one line per measurement: what, then the time.
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <fstream>
@@ -32,7 +32,7 @@ json instanceOf(const std::string& cls, json properties, const std::string& path
 }
 
 // Machine `index` of the fleet: the template's instances under another name, some applications
-// and fixes left out, others added, versions moved.
+// and fixes left out, others added, versions moved, accounts disabled or never logged on.
 json variantOf(const json& base, std::size_t index, std::mt19937_64& random) {
   char name[32];
   std::snprintf(name, sizeof name, "FLEET-%05zu", index);
@@ -45,6 +45,11 @@ json variantOf(const json& base, std::size_t index, std::mt19937_64& random) {
           "202611" + std::to_string(10 + random() % 18) + "101530.000000+060";
     if ((cls == "QELTO_InstalledApplication" || cls == "QELTO_InstalledFix") && random() % 10 == 0)
       continue;
+    if (cls == "QELTO_Account") {
+      json& account = instance["properties"];
+      account["AccountEnabled"] = random() % 4 != 0;
+      if (random() % 3 == 0) account.erase("LastLogon");  // never logged on
+    }
     instances.push_back(std::move(instance));
   }
   const json like = [&] {
