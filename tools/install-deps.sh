@@ -6,6 +6,7 @@ packages=(cmake ninja-build g++ clang libboost-dev nlohmann-json3-dev libcli11-d
           libhivex-dev libhivex-bin libwin-hivex-perl msitools wixl valgrind time jq ccache
           libjemalloc-dev clang-format libtsk-dev libvhdi-dev libvmdk-dev libqcow-dev
           libewf-dev ntfs-3g-dev ntfs-3g gdisk fdisk mtools dosfstools qemu-utils ewf-tools
+          dpkg-dev mandoc
           libsqlite3-dev sqlite3 libpq-dev postgresql libxml2-dev)
 missing=()
 for p in "${packages[@]}"; do

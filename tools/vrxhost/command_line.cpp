@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "vrx_build.h"
+
 namespace vrxhost {
 
 const std::vector<std::string>& defaultClasses() {
@@ -26,6 +28,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   ParsedCommandLine parsed;
   Options& options = parsed.options;
   CLI::App app("Inventories one Windows machine as CIM instances.", "vrxhost");
+  app.set_version_flag("--version", "vrxhost " VRX_VERSION " (commit " VRX_COMMIT ")");
   app.add_option("--machine", options.machine,
                  "machine directory or disk image to inventory (Linux; default: the sample "
                  "machine)");
@@ -33,7 +36,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
                  "the Windows partition of a disk image, numbered as its partition table "
                  "numbers it (1 for the first)")
       ->check(CLI::Range(1u, 65535u));
-  app.add_option("--user", options.user, "profile of an offline Windows volume");
+  app.add_option("--user", options.user, "profile of an offline Windows volume or disk image");
   app.add_option("--now", options.now,
                  "the machine's present time (ISO 8601 with zone, or CIM date-time text)");
   app.add_option("--schema", options.schema, "MOF file with the class definitions");
@@ -59,8 +62,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       ->excludes("--format", "CLASS", "--store");
   try {
     app.parse(argc, argv);
-  } catch (const CLI::CallForHelp& help) {
-    parsed.exitStatus = app.exit(help);
+  } catch (const CLI::Success& done) {
+    parsed.exitStatus = app.exit(done);
     return parsed;
   } catch (const CLI::ParseError& error) {
     app.exit(error);

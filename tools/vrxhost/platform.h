@@ -11,8 +11,6 @@
 
 namespace vrxhost {
 
-// The folder of the running program, with a trailing separator.
-std::string executableDirectory();
 // The file name of the plug-in library as the build makes it.
 std::string pluginFileName();
 // Puts `from` in the place of `to` in one step; false, with errno set,

@@ -6,6 +6,8 @@
 #include <stdexcept>
 
 #include "tools/vrxhost/platform.h"
+#include "vrx_build.h"
+#include "vrxcore/shipped_files.h"
 #include "winapi/formats/reg_export.h"
 #include "winapi/machine/machine.h"
 #include "winapi/machine/offline_volume.h"
@@ -13,13 +15,17 @@
 
 namespace vrxhost {
 
-std::string executableDirectory() {
-  char path[PATH_MAX];
-  const ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
-  if (length <= 0) return "./";
-  const std::string exe(path, static_cast<size_t>(length));
-  return exe.substr(0, exe.rfind('/') + 1);
+namespace {
+
+// The sample machine an install ships, else the one the build put together.
+std::string sampleMachine() {
+  const std::string installed =
+      NZARVEK20::ProgramDirectory() + "../" VRX_INSTALL_DATADIR "/examples/sample";
+  std::error_code error;
+  return std::filesystem::exists(installed, error) ? installed : VRX_SAMPLE_MACHINE;
 }
+
+}  // namespace
 
 std::string pluginFileName() { return "libinstalledapps.so"; }
 
@@ -28,7 +34,7 @@ bool replaceFile(const std::string& from, const std::string& to) {
 }
 
 void presentMachine(const Options& options) {
-  const std::string dir = options.machine.empty() ? VRX_SAMPLE_MACHINE : options.machine;
+  const std::string dir = options.machine.empty() ? sampleMachine() : options.machine;
   std::error_code error;
   if (!options.user.empty() && !winapi::isOfflineVolume(dir) &&
       !std::filesystem::is_regular_file(dir, error))

@@ -7,14 +7,6 @@
 
 namespace vrxhost {
 
-std::string executableDirectory() {
-  char path[MAX_PATH];
-  const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
-  if (length == 0 || length == sizeof path) return ".\\";
-  const std::string exe(path, length);
-  return exe.substr(0, exe.find_last_of("\\/") + 1);
-}
-
 std::string pluginFileName() { return "installedapps.dll"; }
 
 bool replaceFile(const std::string& from, const std::string& to) {

@@ -13,10 +13,12 @@
 #include "tools/vrxhost/inventory_store.h"
 #include "tools/vrxhost/output.h"
 #include "tools/vrxhost/platform.h"
+#include "vrx_build.h"
 #include "vrxcore/core_logger.h"
 #include "vrxcore/exporters.h"
 #include "vrxcore/machine_text.h"
 #include "vrxcore/mof_loader.h"
+#include "vrxcore/shipped_files.h"
 
 namespace vrxhost {
 namespace {
@@ -33,8 +35,9 @@ struct RunError : std::runtime_error {
 
 boost::shared_ptr<TRepositoryNamespace> loadSchema(const Options& options) {
   auto ns = TRepositoryNamespace::Create(kNamespace);
-  const std::string path =
-      options.schema.empty() ? executableDirectory() + "qelto.mof" : options.schema;
+  const std::string path = options.schema.empty()
+                               ? NZARVEK20::ShippedFile(VRX_INSTALL_DATADIR, "qelto.mof")
+                               : options.schema;
   try {
     LoadMofFile(*ns, path);
   } catch (const mof::ParseError& e) {
@@ -55,8 +58,9 @@ std::vector<boost::shared_ptr<ICIMClass>> resolveClasses(TRepositoryNamespace& n
 }
 
 IPluginCallbacks* loadPlugin(const Options& options, TPluginManagerNamespace& manager) {
-  const std::string path =
-      options.plugin.empty() ? executableDirectory() + pluginFileName() : options.plugin;
+  const std::string path = options.plugin.empty()
+                               ? NZARVEK20::ShippedFile(VRX_INSTALL_LIBDIR, pluginFileName())
+                               : options.plugin;
   const size_t before = manager.GetPlugins().size();
   try {
     TLibraryLoader::Load(path);

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "store/questions.h"
+#include "vrx_build.h"
 
 namespace vrxstore {
 namespace {
@@ -26,6 +27,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   Options& options = parsed.options;
   CLI::App app("Keeps inventories of many machines as snapshots in SQLite or PostgreSQL.",
                "vrxstore");
+  app.set_version_flag("--version", "vrxstore " VRX_VERSION " (commit " VRX_COMMIT ")");
   app.add_option("--schema", options.schema, "MOF file with the class definitions");
   app.require_subcommand(1);
 
@@ -49,8 +51,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
 
   try {
     app.parse(argc, argv);
-  } catch (const CLI::CallForHelp& help) {
-    parsed.exitStatus = app.exit(help);
+  } catch (const CLI::Success& done) {
+    parsed.exitStatus = app.exit(done);
     return parsed;
   } catch (const CLI::ParseError& error) {
     app.exit(error);

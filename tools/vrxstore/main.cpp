@@ -1,11 +1,12 @@
-#include <filesystem>
 #include <iostream>
 
 #include "store/store.h"
 #include "tools/vrxstore/command_line.h"
 #include "tools/vrxstore/load.h"
 #include "tools/vrxstore/report.h"
+#include "vrx_build.h"
 #include "vrxcore/mof_loader.h"
+#include "vrxcore/shipped_files.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ using namespace vrxstore;
 
 std::string schemaPath(const Options& options) {
   if (!options.schema.empty()) return options.schema;
-  return (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "qelto.mof").string();
+  return NZARVEK20::ShippedFile(VRX_INSTALL_DATADIR, "qelto.mof");
 }
 
 int run(const Options& options) {
