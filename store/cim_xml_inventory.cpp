@@ -142,6 +142,21 @@ void collect(const xmlNode* node, json& instances) {
   }
 }
 
+// What the document says made it: the "generator: …" comment before its CIM element.
+std::string generatorOf(const xmlDoc& document) {
+  const std::string prefix = "generator: ";
+  for (const xmlNode* node = document.children; node; node = node->next) {
+    if (node->type != XML_COMMENT_NODE || !node->content) continue;
+    std::string text = reinterpret_cast<const char*>(node->content);
+    const std::size_t start = text.find_first_not_of(' ');
+    const std::size_t end = text.find_last_not_of(' ');
+    if (start == std::string::npos) continue;
+    text = text.substr(start, end - start + 1);
+    if (text.rfind(prefix, 0) == 0) return text.substr(prefix.size());
+  }
+  return "";
+}
+
 }  // namespace
 
 json inventoryOfCimXml(const std::string& text) {
@@ -161,7 +176,10 @@ json inventoryOfCimXml(const std::string& text) {
   if (!root || !named(root, "CIM")) throw InventoryError("at line 1: not a CIM document");
   json instances = json::array();
   collect(root, instances);
-  return {{"namespace", "root/qelto"}, {"instances", std::move(instances)}};
+  json inventory = {{"namespace", "root/qelto"}, {"instances", std::move(instances)}};
+  if (const std::string generator = generatorOf(*document); !generator.empty())
+    inventory["generator"] = generator;
+  return inventory;
 }
 
 }  // namespace vrxstore

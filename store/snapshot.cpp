@@ -14,7 +14,8 @@ namespace {
 using nlohmann::json;
 using NZARVEK20::TCIMDateTime;
 
-constexpr const char* kToolVersion = "vrxstore 1";
+// An inventory that does not say what made it (older ones).
+constexpr const char* kUnknownTool = "unknown";
 
 // What one instance's row is made from.
 struct Source {
@@ -166,7 +167,10 @@ Snapshot snapshotOf(const json& inventory, const std::vector<Table>& tables,
   for (const Table& table : tables) tableOf[table.name] = &table;
 
   Snapshot snapshot;
-  snapshot.toolVersion = kToolVersion;
+  const auto generator = inventory.find("generator");
+  snapshot.toolVersion = generator != inventory.end() && generator->is_string()
+                             ? generator->get<std::string>()
+                             : kUnknownTool;
   snapshot.sourceKind = sourceKind;
   std::unordered_map<std::string, std::int64_t> positions;
   std::vector<const Table*> instanceTables;

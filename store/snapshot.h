@@ -25,7 +25,7 @@ struct Snapshot {
   std::string machineKey;
   std::string takenAtCim;  // the machine's own "now" as CIM text; empty when the inventory lacks it
   std::string contentHash;
-  std::string toolVersion;
+  std::string toolVersion;  // what made the inventory, as it says ("vrxhost 0.9.0 (commit …)")
   std::string sourceKind;
   // Rows by table name, each row in the table's column order; the snapshot's number is null.
   std::map<std::string, std::vector<std::vector<Cell>>> rows;

@@ -82,10 +82,12 @@ void appendInstance(std::string& out, ICIMInstance& instance, const TTextEncoder
 
 }  // namespace
 
-void ExportJson(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
-                const TTextEncoder& toUtf8) {
+void ExportJson(std::ostream& out, const std::string& namespaceName, const std::string& generator,
+                const TInstances& instances, const TTextEncoder& toUtf8) {
   std::string text = "{\n  \"namespace\": ";
   AppendJsonString(text, namespaceName);
+  text += ",\n  \"generator\": ";
+  AppendJsonString(text, generator);
   text += ",\n  \"instances\": [";
   const char* separator = "\n";
   for (const auto& instance : instances) {

@@ -12,7 +12,7 @@ namespace NZARVEK20 {
 // the order given, indented by 2 as nlohmann's dump writes it; unset
 // properties are left out. Each instance goes to `out` as soon as it is
 // written.
-void ExportJson(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
-                const TTextEncoder& toUtf8);
+void ExportJson(std::ostream& out, const std::string& namespaceName, const std::string& generator,
+                const TInstances& instances, const TTextEncoder& toUtf8);
 
 }  // namespace NZARVEK20

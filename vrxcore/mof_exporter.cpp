@@ -92,8 +92,10 @@ std::string instanceDeclaration(ICIMInstance& instance, const TTextEncoder& toUt
 
 }  // namespace
 
-void ExportMof(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
-               const TTextEncoder& toUtf8) {
+void ExportMof(std::ostream& out, const std::string& namespaceName, const std::string& generator,
+               const TInstances& instances, const TTextEncoder& toUtf8) {
+  std::string firstLine = generator.substr(0, generator.find('\n'));
+  out << "// generator: " << firstLine << "\n";
   out << "#pragma namespace(" << quoted(namespaceName, '"') << ")\n";
   for (const auto& instance : instances) out << "\n" << instanceDeclaration(*instance, toUtf8);
 }

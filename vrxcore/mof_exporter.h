@@ -14,7 +14,7 @@ namespace NZARVEK20 {
 // date-times and references (their object paths) are string literals;
 // control characters are escaped, except NUL, which a MOF string cannot
 // hold and which becomes U+FFFD, as do bytes that are not UTF-8.
-void ExportMof(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
-               const TTextEncoder& toUtf8);
+void ExportMof(std::ostream& out, const std::string& namespaceName, const std::string& generator,
+               const TInstances& instances, const TTextEncoder& toUtf8);
 
 }  // namespace NZARVEK20

@@ -196,8 +196,8 @@ class TSectionWriter {
 
 }  // namespace
 
-void ExportTable(std::ostream& out, const std::string&, const TInstances& instances,
-                 const TTextEncoder& toUtf8) {
+void ExportTable(std::ostream& out, const std::string&, const std::string&,
+                 const TInstances& instances, const TTextEncoder& toUtf8) {
   const char* separator = "";
   for (const TSection& section : sectionsByClass(instances)) {
     out << separator << TSectionWriter(section, toUtf8).Write();

@@ -16,8 +16,8 @@ namespace NZARVEK20 {
 // with an ellipsis; control characters and bytes that are not UTF-8 show
 // as U+FFFD. Date-times read "2026-11-19 10:31:23 +01:00" or, for
 // intervals, "3d 00:44:07".
-void ExportTable(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
-                 const TTextEncoder& toUtf8);
+void ExportTable(std::ostream& out, const std::string& namespaceName, const std::string& generator,
+                 const TInstances& instances, const TTextEncoder& toUtf8);
 
 constexpr unsigned kMaxCellWidth = 40;
 constexpr unsigned kTellingColumns = 3;

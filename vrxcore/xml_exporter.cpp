@@ -88,6 +88,12 @@ class TXmlWriter {
     stream_ << out_;
     out_.clear();
   }
+  // A comment line; a "--", which a comment cannot hold, is split.
+  void Comment(std::string text) {
+    for (std::size_t at; (at = text.find("--")) != std::string::npos;) text.insert(at + 1, " ");
+    Indent();
+    out_ += "<!-- " + text + " -->\n";
+  }
 
  private:
   void Indent() { out_.append(2 * open_.size(), ' '); }
@@ -131,7 +137,9 @@ class TCimXmlWriter {
  public:
   TCimXmlWriter(std::ostream& out, const TTextEncoder& toUtf8) : toUtf8_(toUtf8), xml_(out) {}
 
-  void Document(const std::string& namespaceName, const TInstances& instances) {
+  void Document(const std::string& namespaceName, const std::string& generator,
+                const TInstances& instances) {
+    xml_.Comment("generator: " + generator);
     xml_.Open("CIM", {{"CIMVERSION", "2.0"}, {"DTDVERSION", "2.4"}});
     xml_.Open("DECLARATION");
     xml_.Open("DECLGROUP.WITHNAME");
@@ -225,9 +233,9 @@ class TCimXmlWriter {
 
 }  // namespace
 
-void ExportCimXml(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
-                  const TTextEncoder& toUtf8) {
-  TCimXmlWriter(out, toUtf8).Document(namespaceName, instances);
+void ExportCimXml(std::ostream& out, const std::string& namespaceName, const std::string& generator,
+                  const TInstances& instances, const TTextEncoder& toUtf8) {
+  TCimXmlWriter(out, toUtf8).Document(namespaceName, generator, instances);
 }
 
 }  // namespace NZARVEK20

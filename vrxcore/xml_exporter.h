@@ -14,7 +14,7 @@ namespace NZARVEK20 {
 // Characters XML 1.0 cannot carry (C0 controls other than tab, line feed
 // and carriage return, NUL included; U+FFFE, U+FFFF) and bytes that are not
 // UTF-8 become U+FFFD.
-void ExportCimXml(std::ostream& out, const std::string& namespaceName, const TInstances& instances,
-                  const TTextEncoder& toUtf8);
+void ExportCimXml(std::ostream& out, const std::string& namespaceName, const std::string& generator,
+                  const TInstances& instances, const TTextEncoder& toUtf8);
 
 }  // namespace NZARVEK20

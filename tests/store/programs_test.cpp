@@ -119,6 +119,10 @@ TEST_P(Programs, CimXmlAndJsonOfOneRunAreOneSnapshot) {
   EXPECT_EQ(load.status, 0) << load.err;
   EXPECT_EQ(load.out, xml + ": snapshot 1 of WKS-042\n" + json +
                           ": already stored as snapshot 1 of WKS-042\n");
+  // The snapshot says what made the inventory, as the CIM-XML's comment said it.
+  const std::string made = nlohmann::json::parse(readText(json))["generator"];
+  EXPECT_EQ(made.rfind("vrxhost ", 0), 0u) << made;
+  EXPECT_EQ(one(*vrxstore::openDatabase(target), "SELECT tool_version FROM snapshot"), made);
 
   std::string text = readText(xml);
   const auto at = text.find("<VALUE>true</VALUE>");

@@ -8,10 +8,13 @@
 
 namespace NZARVEK20 {
 
+// What the documents of the tests say made them.
+inline const std::string kTestGenerator = "vrx tests 1.0";
+
 inline std::string exportedText(TExporter exporter, const std::string& namespaceName,
                                 const TInstances& instances, const TTextEncoder& toUtf8) {
   std::ostringstream out;
-  exporter(out, namespaceName, instances, toUtf8);
+  exporter(out, namespaceName, kTestGenerator, instances, toUtf8);
   return out.str();
 }
 

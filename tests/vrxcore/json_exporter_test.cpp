@@ -125,7 +125,8 @@ Json valueJson(const TCIMValue& value) {
 }
 
 std::string documentByDump(const std::string& namespaceName, const TInstances& instances) {
-  Json json = {{"namespace", namespaceName}, {"instances", Json::array()}};
+  Json json = {
+      {"namespace", namespaceName}, {"generator", kTestGenerator}, {"instances", Json::array()}};
   for (const auto& instance : instances) {
     Json properties = Json::object();
     instance->EnumerateProperties(

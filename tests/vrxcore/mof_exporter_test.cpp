@@ -21,7 +21,8 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 TEST(MofExporter, WritesEscapedLiteralsArraysAndNullsThatOverrideDefaults) {
   auto ns = makeExportNamespace();
   const std::string mof = exportedText(ExportMof, "root/test", ns->GetInstances(), latin1Encoder);
-  EXPECT_EQ(mof.rfind("#pragma namespace(\"root/test\")\n\ninstance of T_System\n{\n"
+  EXPECT_EQ(mof.rfind("// generator: vrx tests 1.0\n#pragma namespace(\"root/test\")\n\ninstance "
+                      "of T_System\n{\n"
                       "    CreationClassName = \"T_System\";\n"
                       "    Name = \"WKS<&>\";\n"
                       "    Number = 4000000000;\n"

@@ -25,6 +25,7 @@ std::string element(const std::string& xml, const std::string& tag, size_t n = 0
 TEST(CimXmlExporter, WritesPathsTypedPropertiesAndReferencesInOrder) {
   const std::string xml = exported();
   EXPECT_EQ(xml.rfind("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+                      "<!-- generator: vrx tests 1.0 -->\n"
                       "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\">\n"
                       "  <DECLARATION>\n"
                       "    <DECLGROUP.WITHNAME>\n"

@@ -25,13 +25,19 @@ class OutputFormats : public Vrxhost {
     return readFile(output);
   }
 
-  // The MOF loaded back against the shipped schema, written as JSON.
+  // The MOF loaded back against the shipped schema, written as JSON by what its header says
+  // made it.
   static std::string mofAsJson(const std::string& mof) {
     auto ns = TRepositoryNamespace::Create("root/qelto");
     LoadMofFile(*ns, std::string(VRX_BIN_DIR) + "/qelto.mof");
     LoadMof(*ns, mof::parseMof(mof, "inventory.mof"));
-    return exportedText(ExportJson, ns->GetName(), ns->GetInstances(),
-                        [](const std::string& s) { return s; });
+    const std::string header = "// generator: ";
+    EXPECT_EQ(mof.rfind(header, 0), 0u) << mof.substr(0, 80);
+    const std::string generator = mof.substr(header.size(), mof.find('\n') - header.size());
+    std::ostringstream json;
+    ExportJson(json, ns->GetName(), generator, ns->GetInstances(),
+               [](const std::string& s) { return s; });
+    return json.str();
   }
 
   // "Class: N instance(s)" for each class, in order of first appearance.
@@ -64,6 +70,12 @@ class OutputFormats : public Vrxhost {
     const std::string jsonText = inventory(machine, "json");
     const auto json = nlohmann::json::parse(jsonText);
     ASSERT_GT(json["instances"].size(), 1u);
+    // Each document says what made it: this vrxhost, its version and commit.
+    const std::string generator = json["generator"];
+    EXPECT_EQ(generator.rfind("vrxhost ", 0), 0u) << generator;
+    EXPECT_NE(generator.find(" (commit "), std::string::npos) << generator;
+    EXPECT_NE(inventory(machine, "xml").find("<!-- generator: " + generator + " -->"),
+              std::string::npos);
     if (cimDtdPresent()) {
       EXPECT_EQ(cimXmlErrors(inventory(machine, "xml")), "");
     }

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "vrx_build.h"
+#include "tools/vrxhost/generator.h"
 
 namespace vrxhost {
 
@@ -28,7 +28,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   ParsedCommandLine parsed;
   Options& options = parsed.options;
   CLI::App app("Inventories one Windows machine as CIM instances.", "vrxhost");
-  app.set_version_flag("--version", "vrxhost " VRX_VERSION " (commit " VRX_COMMIT ")");
+  app.set_version_flag("--version", kGenerator);
   app.add_option("--machine", options.machine,
                  "machine directory or disk image to inventory (Linux; default: the sample "
                  "machine)");

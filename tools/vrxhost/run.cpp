@@ -10,6 +10,7 @@
 #include "host/plugin.h"
 #include "host/root_object.h"
 #include "kelmon/library_loader.h"
+#include "tools/vrxhost/generator.h"
 #include "tools/vrxhost/inventory_store.h"
 #include "tools/vrxhost/output.h"
 #include "tools/vrxhost/platform.h"
@@ -135,7 +136,7 @@ std::function<void(const std::string&)> openStore(const Options& options,
 void storeInventory(const std::function<void(const std::string&)>& store,
                     TRepositoryNamespace& ns) {
   std::ostringstream json;
-  FindExporter("json")(json, ns.GetName(), ns.GetInstances(), machineTextToUtf8);
+  FindExporter("json")(json, ns.GetName(), kGenerator, ns.GetInstances(), machineTextToUtf8);
   store(json.str());
 }
 
@@ -167,7 +168,7 @@ int runOrThrow(const Options& options) {
   if (store) storeInventory(store, *ns);
   if (!store || !options.output.empty())
     writeOutput(options.output, [&](std::ostream& out) {
-      exporter(out, ns->GetName(), ns->GetInstances(), machineTextToUtf8);
+      exporter(out, ns->GetName(), kGenerator, ns->GetInstances(), machineTextToUtf8);
     });
   manager->DestroyPlugins();
   return kExitOk;
