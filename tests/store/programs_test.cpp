@@ -141,6 +141,22 @@ TEST_P(Programs, CimXmlAndJsonOfOneRunAreOneSnapshot) {
   EXPECT_EQ(one(*vrxstore::openDatabase(target), "SELECT count(*) FROM snapshot"), "1");
 }
 
+TEST_P(Programs, ProgressShowsOnATerminalOnly) {
+  const std::string json = (dir / "run.json").string();
+  ASSERT_EQ(vrxhost("--output " + json).status, 0);
+  const std::string files = " " + json + " " + json;
+  // Piped: the results on stdout, nothing on stderr.
+  const Result piped = vrxstore("load " + quotedTarget() + files);
+  EXPECT_EQ(piped.status, 0) << piped.err;
+  EXPECT_EQ(piped.err, "");
+  // On a terminal (script(1) gives it one): the count of files and snapshots after each file.
+  if (std::system("command -v script >/dev/null") != 0) GTEST_SKIP() << "no script(1)";
+  const Result terminal = run("script", "-qec \"" + std::string(VRXSTORE) + " load " +
+                                            quotedTarget() + files + "\" /dev/null");
+  EXPECT_EQ(terminal.status, 0) << terminal.err;
+  EXPECT_NE(terminal.out.find("2/2 files, 0 snapshots written"), std::string::npos) << terminal.out;
+}
+
 STORE_ENGINES(Programs);
 
 TEST(ProgramsWithoutServer, RefusedConnectionIsOneLine) {
