@@ -121,8 +121,19 @@ TEST_F(ImageMachine, EveryContainerInventoriesAsTheVolumeFolderItWasMadeFrom) {
     const Result image = run(classes + " --machine " + (dir / "gpt.").string() + container);
     EXPECT_EQ(image.status, 0) << container << ": " << image.err;
     EXPECT_TRUE(image.out == folder.out) << container << ":\n" << image.out;
+    EXPECT_EQ(image.err, "") << container;  // piped: no progress
   }
   EXPECT_EQ(fileFingerprint(raw), before);
+
+  // On a terminal (script(1) gives it one), reading the E01, which decompresses, shows progress.
+  if (std::system("command -v script >/dev/null") != 0) return;
+  const std::string e01 = (dir / "gpt.E01").string();
+  const std::string shown = (dir / "terminal.txt").string();
+  ASSERT_EQ(std::system(("script -qec '" + std::string(VRXHOST) +
+                         " QELTO_ComputerSystem --machine " + e01 + "' /dev/null >" + shown)
+                            .c_str()),
+            0);
+  EXPECT_NE(readFile(shown).find("reading " + e01 + ": "), std::string::npos) << readFile(shown);
 }
 
 TEST_F(ImageMachine, TheSystemPartitionAndTheLetteredDrivesAreTheMachines) {

@@ -8,7 +8,9 @@
 #include "tools/vrxhost/platform.h"
 #include "vrx_build.h"
 #include "vrxcore/shipped_files.h"
+#include "vrxcore/terminal_line.h"
 #include "winapi/formats/reg_export.h"
+#include "winapi/image/slow_reads.h"
 #include "winapi/machine/machine.h"
 #include "winapi/machine/offline_volume.h"
 #include "winapi/support/calendar.h"
@@ -24,6 +26,25 @@ std::string sampleMachine() {
   std::error_code error;
   return std::filesystem::exists(installed, error) ? installed : VRX_SAMPLE_MACHINE;
 }
+
+// While a disk image that reads slowly (EWF) is read, how much of it has been, on a terminal.
+class SlowReadingShown {
+ public:
+  explicit SlowReadingShown(const std::string& image) {
+    winapi::setSlowReadProgress([this, image](std::uint64_t read, std::uint64_t) {
+      if ((read >> 20) == shownMebibytes_) return;
+      shownMebibytes_ = read >> 20;
+      line_.Show("reading " + image + ": " + std::to_string(shownMebibytes_) + " MiB");
+    });
+  }
+  ~SlowReadingShown() { winapi::setSlowReadProgress({}); }
+  SlowReadingShown(const SlowReadingShown&) = delete;
+  SlowReadingShown& operator=(const SlowReadingShown&) = delete;
+
+ private:
+  NZARVEK20::TTerminalLine line_;
+  std::uint64_t shownMebibytes_ = ~std::uint64_t{0};
+};
 
 }  // namespace
 
@@ -48,6 +69,7 @@ void presentMachine(const Options& options) {
                                 ": expected an ISO 8601 time with its zone "
                                 "(2026-11-22T10:15:30Z, 2026-11-22T11:15:30+01:00) or CIM "
                                 "date-time text (20261122111530.000000+060)");
+  const SlowReadingShown shown(dir);
   winapi::setCurrentMachine(winapi::Machine::load(
       dir, {options.user, now,
             options.partition ? std::optional<unsigned>(options.partition) : std::nullopt}));

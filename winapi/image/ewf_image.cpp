@@ -22,6 +22,7 @@ struct Ewf {
   using Handle = libewf_handle_t;
   using Error = libewf_error_t;
   static constexpr const char* name = "EWF";
+  static constexpr bool slow = true;
   static constexpr auto initialize = libewf_handle_initialize;
   static constexpr auto release = libewf_handle_free;
   static constexpr auto close = libewf_handle_close;

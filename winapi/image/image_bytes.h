@@ -20,6 +20,8 @@ class ImageBytes {
   virtual std::int64_t read(std::uint64_t offset, char* buffer, std::size_t length) = 0;
   // The container's name in messages: "raw", "VHDX" …
   virtual std::string format() const = 0;
+  // Whether reading costs more than the disk's bytes (EWF decompresses), so progress is shown.
+  virtual bool slow() const { return false; }
 };
 
 // The disk inside the image file at `path`, its container told by content (a file of no known

@@ -54,6 +54,7 @@ class LibyalImage final : public ImageBytes {
   }
 
   std::string format() const override { return format_; }
+  bool slow() const override { return Library::slow; }
 
  private:
   explicit LibyalImage(Handle* handle) : handle_(handle) {}

@@ -12,6 +12,7 @@ struct Qcow {
   using Handle = libqcow_file_t;
   using Error = libqcow_error_t;
   static constexpr const char* name = "QCOW";
+  static constexpr bool slow = false;
   static constexpr auto initialize = libqcow_file_initialize;
   static constexpr auto release = libqcow_file_free;
   static constexpr auto close = libqcow_file_close;

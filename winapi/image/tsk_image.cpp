@@ -1,5 +1,7 @@
 #include "winapi/image/tsk_image.h"
 
+#include "winapi/image/slow_reads.h"
+
 namespace winapi {
 
 namespace {
@@ -10,6 +12,7 @@ struct External {
   TSK_IMG_INFO info{};
   ImageBytes* bytes = nullptr;
   std::atomic<std::uint64_t>* bytesRead = nullptr;
+  bool slow = false;
 };
 
 // TSK holds its image lock around this, so it is never called twice at once.
@@ -18,6 +21,7 @@ ssize_t readExternal(TSK_IMG_INFO* info, TSK_OFF_T offset, char* buffer, size_t 
   const std::int64_t count =
       external->bytes->read(static_cast<std::uint64_t>(offset), buffer, length);
   if (count > 0) *external->bytesRead += static_cast<std::uint64_t>(count);
+  if (external->slow) reportSlowRead(*external->bytesRead, external->bytes->size());
   return count;
 }
 
@@ -31,6 +35,7 @@ TskImage::TskImage(std::unique_ptr<ImageBytes> bytes) : bytes_(std::move(bytes))
   auto external = std::make_unique<External>();
   external->bytes = bytes_.get();
   external->bytesRead = &bytesRead_;
+  external->slow = bytes_->slow();
   image_ = tsk_img_open_external(external.get(), static_cast<TSK_OFF_T>(bytes_->size()), 512,
                                  readExternal, closeExternal, describeExternal);
   if (image_) external.release();

@@ -12,6 +12,7 @@ struct Vhdi {
   using Handle = libvhdi_file_t;
   using Error = libvhdi_error_t;
   static constexpr const char* name = "VHD/VHDX";
+  static constexpr bool slow = false;
   static constexpr auto initialize = libvhdi_file_initialize;
   static constexpr auto release = libvhdi_file_free;
   static constexpr auto close = libvhdi_file_close;

@@ -12,6 +12,7 @@ struct Vmdk {
   using Handle = libvmdk_handle_t;
   using Error = libvmdk_error_t;
   static constexpr const char* name = "VMDK";
+  static constexpr bool slow = false;
   static constexpr auto initialize = libvmdk_handle_initialize;
   static constexpr auto release = libvmdk_handle_free;
   static constexpr auto close = libvmdk_handle_close;
