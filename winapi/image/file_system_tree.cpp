@@ -52,17 +52,6 @@ FileEntry entryOf(const TSK_FS_FILE& file, const std::string& name) {
   return entry;
 }
 
-// Writes all of `length` bytes, which a memory file takes unless memory runs out.
-bool writeAll(int fd, const char* bytes, std::size_t length) {
-  while (length > 0) {
-    const ssize_t written = write(fd, bytes, length);
-    if (written <= 0) return false;
-    bytes += written;
-    length -= static_cast<std::size_t>(written);
-  }
-  return true;
-}
-
 }  // namespace
 
 FileSystemTree::FileSystemTree(TSK_FS_INFO* fileSystem) : fileSystem_(fileSystem) {
@@ -146,7 +135,8 @@ FileDescriptor FileSystemTree::open(const std::vector<std::string>& components) 
   for (TSK_OFF_T offset = 0; offset < size;) {
     const ssize_t count = tsk_fs_file_read(file.get(), offset, buffer.data(), buffer.size(),
                                            TSK_FS_FILE_READ_FLAG_NONE);
-    if (count <= 0 || !writeAll(memory.get(), buffer.data(), static_cast<std::size_t>(count))) {
+    if (count <= 0 ||
+        !writeFileBytes(memory.get(), {buffer.data(), static_cast<std::size_t>(count)})) {
       tsk_error_reset();
       return FileDescriptor();
     }

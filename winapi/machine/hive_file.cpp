@@ -49,22 +49,14 @@ struct Freer {
 template <typename T>
 using Owned = std::unique_ptr<T, Freer>;
 
-bool writeAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno != EINTR) return false;
-    if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
 // The bytes as a hive, through a file that lives in memory only; libhivex maps it and keeps it
 // open, so that it goes when the hive is closed.
 hive_h* openInMemory(const std::string& bytes) {
   const int fd = memfd_create("hive", MFD_CLOEXEC);
   if (fd < 0) return nullptr;
   hive_h* hive = nullptr;
-  if (writeAll(fd, bytes)) hive = hivex_open(("/proc/self/fd/" + std::to_string(fd)).c_str(), 0);
+  if (writeFileBytes(fd, bytes))
+    hive = hivex_open(("/proc/self/fd/" + std::to_string(fd)).c_str(), 0);
   const int error = errno;
   close(fd);
   errno = error;

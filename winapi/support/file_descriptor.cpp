@@ -22,4 +22,14 @@ std::optional<std::string> readFileBytes(int fd, std::size_t limit) {
   return bytes;
 }
 
+bool writeFileBytes(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(fd, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
 }  // namespace winapi

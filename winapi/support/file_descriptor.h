@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace winapi {
@@ -37,6 +38,9 @@ class FileDescriptor {
 // The file's first `limit` bytes (all of them when it is shorter), read from offset 0; nullopt
 // when it cannot be read, errno telling why.
 std::optional<std::string> readFileBytes(int fd, std::size_t limit = SIZE_MAX);
+
+// Writes all of `bytes` at the file's position; false, errno telling why, when it cannot.
+bool writeFileBytes(int fd, std::string_view bytes);
 
 }  // namespace winapi
 
