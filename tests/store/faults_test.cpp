@@ -1,44 +1,20 @@
 // A loader killed in the middle of its snapshot, and a disk that fills under it: the store is
 // left as it was, and the next load works.
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 
 #include <chrono>
 #include <thread>
 
 #include "store/inventory_file.h"
+#include "tests/store/child_process.h"
 #include "tests/store/engine_fixture.h"
 #include "tests/store/sample_inventory.h"
-
-extern char** environ;
 
 namespace {
 
 using namespace storetest;
 using namespace vrxstore;
-
-pid_t spawn(const std::vector<std::string>& argv, const fs::path& log) {
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 1, log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  posix_spawn_file_actions_adddup2(&actions, 1, 2);
-  std::vector<char*> args;
-  for (const std::string& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
-  args.push_back(nullptr);
-  pid_t pid = 0;
-  const int failed = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (failed) throw std::runtime_error("cannot start " + argv[0]);
-  return pid;
-}
-
-int waitFor(pid_t pid) {
-  int status = 0;
-  ::waitpid(pid, &status, 0);
-  return status;
-}
 
 class LoaderFaults : public EngineTest {
  protected:
