@@ -72,8 +72,10 @@ std::optional<std::string> bootStore(const MachineFiles& system) {
   return std::nullopt;
 }
 
-std::shared_ptr<Machine> loadVolume(const VolumeSource& source, const std::string& user,
-                                    std::optional<std::int64_t> now) {
+}  // namespace
+
+std::shared_ptr<Machine> loadWindowsVolume(const VolumeSource& source, const std::string& user,
+                                           std::optional<std::int64_t> now) {
   const MachineFiles& windows = *source.windows;
   auto registry = std::make_shared<Registry>();
   HiveReading hives;
@@ -102,6 +104,8 @@ std::shared_ptr<Machine> loadVolume(const VolumeSource& source, const std::strin
                                   std::move(files));
 }
 
+namespace {
+
 VolumeSource folderVolume(const fs::path& dir) {
   VolumeSource source;
   source.name = dir.string();
@@ -118,17 +122,12 @@ bool isOfflineVolume(const fs::path& dir) {
 }
 
 std::shared_ptr<Machine> loadOfflineVolume(const fs::path& dir, std::optional<std::int64_t> now) {
-  return loadVolume(folderVolume(dir), "", now);
+  return loadWindowsVolume(folderVolume(dir), "", now);
 }
 
 std::shared_ptr<Machine> loadOfflineVolumeAs(const fs::path& dir, const std::string& user,
                                              std::optional<std::int64_t> now) {
-  return loadVolume(folderVolume(dir), user, now);
-}
-
-std::shared_ptr<Machine> loadWindowsVolume(const VolumeSource& source, const std::string& user,
-                                           std::optional<std::int64_t> now) {
-  return loadVolume(source, user, now);
+  return loadWindowsVolume(folderVolume(dir), user, now);
 }
 
 }  // namespace winapi
