@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "tools/command_line_end.h"
 #include "tools/vrxhost/generator.h"
 
 namespace vrxhost {
@@ -60,16 +61,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       ->type_name("KEY")
       ->check([](const std::string& key) { return key.empty() ? "KEY is empty" : ""; })
       ->excludes("--format", "CLASS", "--store");
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::Success& done) {
-    parsed.exitStatus = app.exit(done);
-    return parsed;
-  } catch (const CLI::ParseError& error) {
-    app.exit(error);
-    parsed.exitStatus = kExitUsage;
-    return parsed;
-  }
+  parsed.exitStatus = vrxtools::parseOrEnd(app, argc, argv, kExitUsage);
+  if (parsed.exitStatus) return parsed;
   if (options.classes.empty()) options.classes = defaultClasses();
   return parsed;
 }

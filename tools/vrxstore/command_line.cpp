@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "store/questions.h"
+#include "tools/command_line_end.h"
 #include "vrx_build.h"
 
 namespace vrxstore {
@@ -49,16 +50,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   query->add_option("ARG", options.arguments, "its arguments");
   addFormat(*query, options);
 
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::Success& done) {
-    parsed.exitStatus = app.exit(done);
-    return parsed;
-  } catch (const CLI::ParseError& error) {
-    app.exit(error);
-    parsed.exitStatus = kExitUsage;
-    return parsed;
-  }
+  parsed.exitStatus = vrxtools::parseOrEnd(app, argc, argv, kExitUsage);
+  if (parsed.exitStatus) return parsed;
   options.command = app.get_subcommands().front()->get_name();
   return parsed;
 }
